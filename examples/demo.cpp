@@ -1,0 +1,72 @@
+// demo - a tour of what Kelp_Foundation does, one section per family.
+//
+// Runs with no arguments and no configuration; every section prints what it
+// did. Sections are added as the library grows.
+#include <zunFoundation.h>
+
+#include <cstdio>
+#include <cstring>
+
+namespace
+{
+    void Section(const char * title)
+    {
+        std::printf("\n== %s ==\n", title);
+    }
+
+    void ShowTextConversion()
+    {
+        Section("UTF-8 <-> UTF-16");
+        const char * greeting = "Gr\xC3\xBC\xC3\x9F" "e, \xE4\xB8\x96\xE7\x95\x8C \xF0\x9F\x8C\x8D";
+        zunUTF16 wide(greeting, static_cast<unsigned int>(std::strlen(greeting)));
+        std::printf("%zu UTF-8 bytes became %u UTF-16 units:", std::strlen(greeting), wide.Length());
+        for (unsigned int i = 0; i < wide.Length(); ++i)
+            std::printf(" %04X", static_cast<unsigned int>(wide.Get16()[i]));
+        std::printf("\n");
+
+        auto back = zunUTF16::ToNew8(zunUTF8::ToNew16(greeting).get());
+        std::printf("round trip: %s (%s)\n", back.get(), std::strcmp(back.get(), greeting) == 0 ? "same" : "DIFFERENT");
+
+        zunUTF16 broken("ok\xFF\xE2\x82!", 6);
+        std::printf("invalid input never fails: %u units, with U+%04X for each bad run\n", broken.Length(),
+                    static_cast<unsigned int>(broken.Get16()[2]));
+    }
+
+    void ShowMemory()
+    {
+        Section("Memory blocks");
+        void * block = nullptr;
+        zunMemAlloc(block, 16, true);
+        zunMemFill(block, 0x2A, 8);
+        zunMemAlloc(block, 4096, true); // grows; the new tail is zeroed
+        std::printf("block of %u bytes, byte 0 = 0x%02X, byte 100 = 0x%02X\n", zunMemGetSize(block),
+                    static_cast<unsigned char *>(block)[0], static_cast<unsigned char *>(block)[100]);
+        zunMemFree(block);
+        std::printf("freed: pointer is %s\n", block == nullptr ? "null" : "set");
+    }
+
+    void ShowExceptions()
+    {
+        Section("Failures");
+        try
+        {
+            throw zunException("examples/demo.cpp:1", "void __cdecl Demo(void) throw(struct zunException)")
+                .SetDebugDescription("write failed with error %d %s", 28, "no space left on device");
+        }
+        catch (const zunException & e)
+        {
+            std::printf("caught at %s\n  in %s\n  debug: %s\n  an exception is alive: %s\n", e.GetFileAndLine(),
+                        e.GetFunction(), e.GetDebugDescription(), zunException::IsAnyBeingHandled() ? "yes" : "no");
+        }
+        std::printf("after the handler: %s\n", zunException::IsAnyBeingHandled() ? "alive" : "none alive");
+    }
+}
+
+int main()
+{
+    std::printf("Kelp_Foundation demo\n");
+    ShowTextConversion();
+    ShowMemory();
+    ShowExceptions();
+    return 0;
+}

@@ -1,0 +1,80 @@
+// zunException.h - the library's one exception type and its soft-failure hook.
+//
+// Hard failures (storage that will not read or write, a malformed chunk,
+// exhausted memory in a file reader) are thrown as a zunException by value.
+// Soft failures (a value out of range, an unsupported case) call zunFixMe with
+// a fixed text and go on with a harmless default.
+//
+// A zunException is plain data: it never allocates, owns no heap memory, has no
+// base and no virtual table, so it cannot fail while a failure is reported.
+// Its location and signature are literals of the throw site that it only
+// points at; its two texts live in fixed arrays inside the object.
+//
+//   try { chunk.Descend(file, fcc); }
+//   catch (const zunException & e) {
+//       log("%s in %s: %s", e.GetFileAndLine(), e.GetFunction(), e.GetDebugDescription());
+//   }
+#ifndef ZUN_EXCEPTION_H
+#define ZUN_EXCEPTION_H
+
+#include <cstdarg>
+
+#include "zunConfig.h"
+
+struct ZUN_API zunException
+{
+    /// Both pointers null, both texts empty.
+    zunException();
+    /// Keeps the two pointers (not copies of the text): a throw site passes literals.
+    zunException(const char * fileAndLine, const char * function);
+    /// Copies the pointers and at most 1023 bytes of each text, zero-filled behind
+    /// the text; the last byte of each array is not taken from `other`.
+    zunException(const zunException & other);
+    ~zunException();
+    /// Copies the whole object, the bytes behind the terminators included.
+    /// The instance counter is left alone.
+    zunException & operator=(const zunException & other);
+
+    /// printf-style text for developers, at most 1023 characters. `format` must
+    /// not be null.
+    zunException & SetDebugDescription(const char * format, ...)
+        ZUN_PRINTF_FORMAT(2, 3);
+    /// printf-style text for the user, at most 1022 characters. A null `format`
+    /// empties the description. The library's own throw sites never set it.
+    zunException & SetDescription(const char * format, ...)
+        ZUN_PRINTF_FORMAT(2, 3);
+    /// The same with a started argument list. Pass a va_list variable of the
+    /// caller's own (va_start or va_copy): a va_list function parameter has
+    /// decayed to a pointer and would select the variadic form above.
+    zunException & SetDescription(const char * format, va_list & args);
+
+    /// Never null; valid as long as the object.
+    const char * GetDescription() const { return m_szDescription; }
+    /// Never null; valid as long as the object.
+    const char * GetDebugDescription() const { return m_szDebugDescription; }
+    /// "src/File.cpp:412" for every throw of the library; null when default-made.
+    const char * GetFileAndLine() const { return m_pszFileAndLine; }
+    /// The throwing function's signature; null when default-made.
+    const char * GetFunction() const { return m_pszFunction; }
+
+    /// True while any zunException object is alive in the process, in any thread
+    /// (a caught one included). A best-effort answer by design: the counter is a
+    /// plain integer without atomics.
+    static bool IsAnyBeingHandled();
+
+    const char * m_pszFileAndLine;
+    const char * m_pszFunction;
+    char m_szDebugDescription[1024];
+    char m_szDescription[1024];
+
+private:
+    static unsigned int ms_nExceptionInstances;
+};
+
+/// A report point for soft failures. It returns at once: it evaluates neither
+/// the format nor the arguments, prints nothing and calls nothing, and a handler
+/// set with zunSetFixMeHandler is not invoked by it. Callers must be correct
+/// when it does nothing; it marks where a developer build hooks the report.
+ZUN_API void zunFixMe(const char * format, ...);
+
+#endif // ZUN_EXCEPTION_H

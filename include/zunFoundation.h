@@ -1,0 +1,14 @@
+// zunFoundation.h - the whole public interface of Kelp_Foundation.
+//
+// Include this one header, link Kelp_Foundation::Kelp_Foundation (CMake) or
+// `pkg-config --libs kelp_foundation`, and every family is at hand.
+#ifndef ZUN_FOUNDATION_H
+#define ZUN_FOUNDATION_H
+
+#include "zunConfig.h"
+#include "zunFlags.h"
+#include "zunException.h"
+#include "zunMem.h"
+#include "zunUTF.h"
+
+#endif // ZUN_FOUNDATION_H
