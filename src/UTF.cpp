@@ -274,6 +274,19 @@ namespace
         return block;
     }
 
+    // A new block with `length` units of `text` and the terminator behind
+    // them; null for a null text.
+    template <typename T>
+    T * CopyUnits(const T * text, unsigned int length)
+    {
+        if (text == nullptr)
+            return nullptr;
+        const std::size_t bytes = (static_cast<std::size_t>(length) + 1) * sizeof(T);
+        auto * copy = static_cast<T *>(AllocateOrThrow(bytes));
+        std::memcpy(copy, text, bytes);
+        return copy;
+    }
+
     // Gives back the unused tail of a worst-case block when it is worth a call.
     template <typename T>
     T * FitBlock(T * block, std::size_t used, std::size_t allocated)
@@ -437,17 +450,18 @@ zunUTF16::zunUTF16(const char * text, unsigned int length) : m_nLength(0), m_pTe
     zunUTFPrivate::Convert8To16(text, length, m_pText, &m_nLength);
 }
 
-zunUTF16::zunUTF16(const zunUTF16 & other) : m_nLength(other.m_nLength), m_pText(nullptr)
+// The copies. The documented copy constructors differ from assignment: the
+// wide one allocates 2 x length bytes and writes its terminator one unit past
+// that block, and reads address 0 for an object without text; the narrow one
+// copies length bytes and leaves a text converted with an explicit length
+// unterminated. Every converted text here ends in a terminator at index
+// length, so all four operations copy length + 1 units into a block of that
+// size: the defined results are the same, and the copy never writes past its
+// block, never reads address 0 and always ends in a terminator.
+
+zunUTF16::zunUTF16(const zunUTF16 & other)
+    : m_nLength(other.m_nLength), m_pText(CopyUnits(other.m_pText, other.m_nLength))
 {
-    // The documented copy allocates 2 x length bytes and copies the length and
-    // a terminator, one unit past its block; and a copy of an object without
-    // text reads address 0. We allocate the unit the copy writes, and an
-    // object without text copies to an object without text.
-    if (other.m_pText == nullptr)
-        return;
-    const std::size_t bytes = 2 * static_cast<std::size_t>(m_nLength) + 2;
-    m_pText = static_cast<zunWChar *>(AllocateOrThrow(bytes));
-    std::memcpy(m_pText, other.m_pText, bytes);
 }
 
 zunUTF16::~zunUTF16()
@@ -464,12 +478,7 @@ zunUTF16 & zunUTF16::operator=(const zunUTF16 & other)
     std::free(m_pText);
     m_pText = nullptr;
     m_nLength = other.m_nLength;
-    if (other.m_pText != nullptr)
-    {
-        const std::size_t bytes = 2 * (static_cast<std::size_t>(m_nLength) + 1);
-        m_pText = static_cast<zunWChar *>(AllocateOrThrow(bytes));
-        std::memcpy(m_pText, other.m_pText, bytes);
-    }
+    m_pText = CopyUnits(other.m_pText, other.m_nLength);
     return *this;
 }
 
@@ -488,16 +497,9 @@ zunUTF8::zunUTF8(const zunWChar * text, unsigned int length) : m_nLength(0), m_p
     zunUTFPrivate::Convert16To8(text, length, m_pText, &m_nLength);
 }
 
-zunUTF8::zunUTF8(const zunUTF8 & other) : m_nLength(other.m_nLength), m_pText(nullptr)
+zunUTF8::zunUTF8(const zunUTF8 & other)
+    : m_nLength(other.m_nLength), m_pText(CopyUnits(other.m_pText, other.m_nLength))
 {
-    // The documented copy takes exactly length bytes, so a text converted with
-    // an explicit length arrives without a terminator. We copy those bytes and
-    // add the terminator in a byte of our own, so the copy reads safely.
-    if (other.m_pText == nullptr)
-        return;
-    m_pText = static_cast<char *>(AllocateOrThrow(static_cast<std::size_t>(m_nLength) + 1));
-    std::memcpy(m_pText, other.m_pText, m_nLength);
-    m_pText[m_nLength] = 0;
 }
 
 zunUTF8::~zunUTF8()
@@ -514,12 +516,7 @@ zunUTF8 & zunUTF8::operator=(const zunUTF8 & other)
     std::free(m_pText);
     m_pText = nullptr;
     m_nLength = other.m_nLength;
-    if (other.m_pText != nullptr)
-    {
-        const std::size_t bytes = static_cast<std::size_t>(m_nLength) + 1;
-        m_pText = static_cast<char *>(AllocateOrThrow(bytes));
-        std::memcpy(m_pText, other.m_pText, bytes);
-    }
+    m_pText = CopyUnits(other.m_pText, other.m_nLength);
     return *this;
 }
 
