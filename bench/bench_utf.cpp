@@ -13,16 +13,27 @@
 
 namespace
 {
-    enum Sample { Ascii, Latin, Cjk, Emoji, Invalid };
+    enum Sample
+    {
+        Ascii,
+        Latin,
+        Cjk,
+        Emoji,
+        Invalid
+    };
 
     std::string MakeText(Sample sample, std::size_t bytes)
     {
         static const char * const pieces[] = {
             "The quick brown fox jumps over the lazy dog. ",
-            "Stra\xC3\x9F" "e, Gr\xC3\xB6\xC3\x9F" "e, caf\xC3\xA9, na\xC3\xAF" "ve, \xC3\xA9t\xC3\xA9. ",
+            "Stra\xC3\x9F"
+            "e, Gr\xC3\xB6\xC3\x9F"
+            "e, caf\xC3\xA9, na\xC3\xAF"
+            "ve, \xC3\xA9t\xC3\xA9. ",
             "\xE6\x97\xA5\xE6\x9C\xAC\xE8\xAA\x9E\xE3\x81\xAE\xE6\x96\x87\xE7\xAB\xA0\xE3\x80\x82",
             "\xF0\x9F\x98\x80\xF0\x9F\x8E\x89 ok \xF0\x9F\x9A\x80",
-            "ab\xFF" "cd\xE2\x82 ef\xC0\xAF gh\xED\xA0\x80",
+            "ab\xFF"
+            "cd\xE2\x82 ef\xC0\xAF gh\xED\xA0\x80",
         };
         std::string text;
         while (text.size() < bytes)
@@ -139,7 +150,7 @@ namespace
     }
 }
 
-#define ZUN_UTF_BENCH(function, sample) \
+#define ZUN_UTF_BENCH(function, sample)                                                                                \
     BENCHMARK_CAPTURE(function, sample, sample)->RangeMultiplier(10)->Range(100, 1000000)
 
 ZUN_UTF_BENCH(Zun_8to16, Ascii);

@@ -12,29 +12,28 @@
 #include <cwchar>
 
 #if defined(_WIN32)
-#  if defined(ZUN_BUILDING_LIBRARY)
-#    define ZUN_API __declspec(dllexport)
-#  else
-#    define ZUN_API __declspec(dllimport)
-#  endif
+#if defined(ZUN_BUILDING_LIBRARY)
+#define ZUN_API __declspec(dllexport)
 #else
-#  define ZUN_API __attribute__((visibility("default")))
+#define ZUN_API __declspec(dllimport)
+#endif
+#else
+#define ZUN_API __attribute__((visibility("default")))
 #endif
 
 // Lets the compiler check printf-style arguments of members (the object is 1).
 #if defined(__GNUC__)
-#  define ZUN_PRINTF_FORMAT(formatIndex, firstArg) \
-      __attribute__((format(printf, formatIndex, firstArg)))
+#define ZUN_PRINTF_FORMAT(formatIndex, firstArg) __attribute__((format(printf, formatIndex, firstArg)))
 #else
-#  define ZUN_PRINTF_FORMAT(formatIndex, firstArg)
+#define ZUN_PRINTF_FORMAT(formatIndex, firstArg)
 #endif
 
 #if WCHAR_MAX == 0xFFFF || WCHAR_MAX == 0x7FFF
 typedef wchar_t zunWChar;
-#  define ZUN_W_PREFIX_(text) L##text
+#define ZUN_W_PREFIX_(text) L##text
 #else
 typedef char16_t zunWChar;
-#  define ZUN_W_PREFIX_(text) u##text
+#define ZUN_W_PREFIX_(text) u##text
 #endif
 
 /// A zunWChar literal: ZUN_W("text") is u"text" on Linux, L"text" on Windows.

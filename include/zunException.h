@@ -37,12 +37,10 @@ struct ZUN_API zunException
 
     /// printf-style text for developers, at most 1023 characters. `format` must
     /// not be null.
-    zunException & SetDebugDescription(const char * format, ...)
-        ZUN_PRINTF_FORMAT(2, 3);
+    zunException & SetDebugDescription(const char * format, ...) ZUN_PRINTF_FORMAT(2, 3);
     /// printf-style text for the user, at most 1022 characters. A null `format`
     /// empties the description. The library's own throw sites never set it.
-    zunException & SetDescription(const char * format, ...)
-        ZUN_PRINTF_FORMAT(2, 3);
+    zunException & SetDescription(const char * format, ...) ZUN_PRINTF_FORMAT(2, 3);
     /// The same with a started argument list. Pass a va_list variable of the
     /// caller's own (va_start or va_copy): a va_list function parameter has
     /// decayed to a pointer and would select the variadic form above.

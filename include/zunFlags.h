@@ -11,8 +11,7 @@
 
 #include "zunConfig.h"
 
-template <typename E, unsigned int N>
-class zunFlags
+template <typename E, unsigned int N> class zunFlags
 {
 public:
     /// The empty set.
@@ -24,7 +23,11 @@ public:
 
     constexpr zunFlags operator|(zunFlags other) const { return zunFlags(m_nMask | other.m_nMask); }
     constexpr zunFlags operator|(E flag) const { return zunFlags(m_nMask | static_cast<unsigned int>(flag)); }
-    zunFlags & operator|=(zunFlags other) { m_nMask |= other.m_nMask; return *this; }
+    zunFlags & operator|=(zunFlags other)
+    {
+        m_nMask |= other.m_nMask;
+        return *this;
+    }
 
     /// True when the bit of `flag` is in the set.
     constexpr bool IsSet(E flag) const { return (m_nMask & static_cast<unsigned int>(flag)) != 0; }

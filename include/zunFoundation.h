@@ -6,9 +6,10 @@
 #define ZUN_FOUNDATION_H
 
 #include "zunConfig.h"
-#include "zunFlags.h"
 #include "zunException.h"
+#include "zunFlags.h"
 #include "zunMem.h"
+#include "zunTypes.h"
 #include "zunUTF.h"
 
 #endif // ZUN_FOUNDATION_H

@@ -27,9 +27,9 @@
 /// A shrink moves to a fresh block when `size` is below 4,096 and below the old
 /// size, or when `size` rounded up to a multiple of 4,096 is below the old size;
 /// everything else goes through realloc. False on failure, `ptr` untouched.
-ZUN_API bool zunMemAlloc(void * & ptr, unsigned int size, bool zero);
+ZUN_API bool zunMemAlloc(void *& ptr, unsigned int size, bool zero);
 /// Frees the block, if any, and nulls `ptr`. Always true.
-ZUN_API bool zunMemFree(void * & ptr);
+ZUN_API bool zunMemFree(void *& ptr);
 /// The size last requested for the block, cut to 32 bits. `ptr` must not be null.
 ZUN_API unsigned int zunMemGetSize(void * ptr);
 /// Null `ptr`: `size` = 0 and true. Otherwise the block's size; a size of 0

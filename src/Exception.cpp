@@ -93,6 +93,4 @@ bool zunException::IsAnyBeingHandled()
     return ms_nExceptionInstances > 0;
 }
 
-void zunFixMe(const char *, ...)
-{
-}
+void zunFixMe(const char *, ...) {}

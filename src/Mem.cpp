@@ -105,7 +105,7 @@ namespace
     }
 }
 
-bool zunMemAlloc(void * & ptr, unsigned int size, bool zero)
+bool zunMemAlloc(void *& ptr, unsigned int size, bool zero)
 {
     if (ptr == nullptr)
     {
@@ -154,7 +154,7 @@ bool zunMemAlloc(void * & ptr, unsigned int size, bool zero)
     return true;
 }
 
-bool zunMemFree(void * & ptr)
+bool zunMemFree(void *& ptr)
 {
     if (ptr != nullptr)
     {
@@ -294,7 +294,6 @@ namespace zunMemTesting
 
     Counters GetCounters()
     {
-        return Counters{g_allocations.load(), g_resizes.load(), g_moves.load(), g_frees.load(),
-                        g_failures.load()};
+        return Counters{g_allocations.load(), g_resizes.load(), g_moves.load(), g_frees.load(), g_failures.load()};
     }
 }

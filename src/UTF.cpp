@@ -64,8 +64,8 @@ namespace
                 return 2;
             if (avail < 4 || (p[3] & 0xC0) != 0x80)
                 return 3;
-            cp = (std::uint32_t(b0 & 0x07) << 18) | (std::uint32_t(p[1] & 0x3F) << 12)
-               | (std::uint32_t(p[2] & 0x3F) << 6) | (p[3] & 0x3F);
+            cp = (std::uint32_t(b0 & 0x07) << 18) | (std::uint32_t(p[1] & 0x3F) << 12) |
+                 (std::uint32_t(p[2] & 0x3F) << 6) | (p[3] & 0x3F);
             return 4;
         }
         cp = kReplacement; // a continuation byte, C0, C1 or F5..FF
@@ -215,9 +215,9 @@ namespace
                 const __m128i highBits = _mm_set1_epi16(static_cast<short>(0xFF80));
                 const __m128i zero = _mm_setzero_si128();
                 const unsigned int asciiMask =
-                    static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(a, highBits), zero)))
-                    | (static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(b, highBits), zero)))
-                       << 16);
+                    static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(a, highBits), zero))) |
+                    (static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(_mm_and_si128(b, highBits), zero)))
+                     << 16);
                 const bool roomForVector = !kWrite || o + 16 <= capacity;
                 if (kWrite && roomForVector)
                     _mm_storeu_si128(reinterpret_cast<__m128i *>(out + o), _mm_packus_epi16(a, b));
@@ -276,8 +276,7 @@ namespace
 
     // A new block with `length` units of `text` and the terminator behind
     // them; null for a null text.
-    template <typename T>
-    T * CopyUnits(const T * text, unsigned int length)
+    template <typename T> T * CopyUnits(const T * text, unsigned int length)
     {
         if (text == nullptr)
             return nullptr;
@@ -288,8 +287,7 @@ namespace
     }
 
     // Gives back the unused tail of a worst-case block when it is worth a call.
-    template <typename T>
-    T * FitBlock(T * block, std::size_t used, std::size_t allocated)
+    template <typename T> T * FitBlock(T * block, std::size_t used, std::size_t allocated)
     {
         if (allocated - used < 64)
             return block;
@@ -497,8 +495,7 @@ zunUTF8::zunUTF8(const zunWChar * text, unsigned int length) : m_nLength(0), m_p
     zunUTFPrivate::Convert16To8(text, length, m_pText, &m_nLength);
 }
 
-zunUTF8::zunUTF8(const zunUTF8 & other)
-    : m_nLength(other.m_nLength), m_pText(CopyUnits(other.m_pText, other.m_nLength))
+zunUTF8::zunUTF8(const zunUTF8 & other) : m_nLength(other.m_nLength), m_pText(CopyUnits(other.m_pText, other.m_nLength))
 {
 }
 
@@ -524,6 +521,5 @@ std::unique_ptr<zunWChar, std::function<void(zunWChar *)>> zunUTF8::ToNew16(cons
 {
     zunWChar * converted = nullptr;
     zunUTFPrivate::Convert8To16(text, kWholeText, converted, nullptr);
-    return std::unique_ptr<zunWChar, std::function<void(zunWChar *)>>(converted,
-                                                                        [](zunWChar * p) { std::free(p); });
+    return std::unique_ptr<zunWChar, std::function<void(zunWChar *)>>(converted, [](zunWChar * p) { std::free(p); });
 }

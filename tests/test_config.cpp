@@ -9,7 +9,12 @@ namespace
 {
     struct Door
     {
-        enum Part { Hinge = 1, Lock = 2, Handle = 4 };
+        enum Part
+        {
+            Hinge = 1,
+            Lock = 2,
+            Handle = 4
+        };
     };
     using DoorParts = zunFlags<Door::Part, 3>;
 }

@@ -200,8 +200,8 @@ TEST(Exception, FixMeReturnsAtOnceAndPrintsNothing)
     testing::internal::CaptureStderr();
     zunFixMe("invalid value");
     zunFixMe("GetCursorInfo failed with error %u", 5u);
-    zunFixMe(nullptr);                     // the format is never read
-    zunFixMe("%s %s %s");                  // nor are arguments it would need
+    zunFixMe(nullptr);    // the format is never read
+    zunFixMe("%s %s %s"); // nor are arguments it would need
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }

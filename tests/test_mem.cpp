@@ -12,7 +12,11 @@ namespace
 {
     struct MemTest : testing::Test
     {
-        void SetUp() override { zunMemTesting::Reset(); zunMemTesting::StartCounting(); }
+        void SetUp() override
+        {
+            zunMemTesting::Reset();
+            zunMemTesting::StartCounting();
+        }
         void TearDown() override { zunMemTesting::Reset(); }
     };
 

@@ -38,12 +38,12 @@ namespace
     {
         UErrorCode error = U_ZERO_ERROR;
         int32_t length = 0;
-        u_strFromUTF8WithSub(nullptr, 0, &length, bytes.data(), static_cast<int32_t>(bytes.size()), 0xFFFD,
-                             nullptr, &error);
+        u_strFromUTF8WithSub(nullptr, 0, &length, bytes.data(), static_cast<int32_t>(bytes.size()), 0xFFFD, nullptr,
+                             &error);
         U16 result(static_cast<std::size_t>(length), u'\0');
         error = U_ZERO_ERROR;
-        u_strFromUTF8WithSub(result.data(), length, &length, bytes.data(), static_cast<int32_t>(bytes.size()),
-                             0xFFFD, nullptr, &error);
+        u_strFromUTF8WithSub(result.data(), length, &length, bytes.data(), static_cast<int32_t>(bytes.size()), 0xFFFD,
+                             nullptr, &error);
         EXPECT_TRUE(U_SUCCESS(error) || error == U_STRING_NOT_TERMINATED_WARNING);
         return result;
     }
@@ -56,8 +56,8 @@ namespace
                            &error);
         std::string result(static_cast<std::size_t>(length), '\0');
         error = U_ZERO_ERROR;
-        u_strToUTF8WithSub(result.data(), length, &length, units.data(), static_cast<int32_t>(units.size()),
-                           0xFFFD, nullptr, &error);
+        u_strToUTF8WithSub(result.data(), length, &length, units.data(), static_cast<int32_t>(units.size()), 0xFFFD,
+                           nullptr, &error);
         EXPECT_TRUE(U_SUCCESS(error) || error == U_STRING_NOT_TERMINATED_WARNING);
         return result;
     }
@@ -76,20 +76,23 @@ namespace
             switch (rng() % 6)
             {
             case 0:
-            case 1: {
+            case 1:
+            {
                 const std::size_t run = rng() % 40;
                 for (std::size_t j = 0; j < run; ++j)
                     out.push_back(static_cast<char>(0x20 + rng() % 95));
                 break;
             }
-            case 2: {
+            case 2:
+            {
                 out.push_back(static_cast<char>(leads[rng() % sizeof(leads)]));
                 const std::size_t tail = rng() % 4;
                 for (std::size_t j = 0; j < tail; ++j)
                     out.push_back(static_cast<char>(trails[rng() % sizeof(trails)]));
                 break;
             }
-            case 3: { // a valid code point
+            case 3:
+            { // a valid code point
                 std::uint32_t cp = rng() % 0x110000;
                 if (cp >= 0xD800 && cp <= 0xDFFF)
                     cp = 0xE9;
@@ -137,12 +140,24 @@ namespace
         {
             switch (rng() % 6)
             {
-            case 0: out.push_back(static_cast<char16_t>(rng() % 0x80)); break;
-            case 1: out.push_back(static_cast<char16_t>(0x80 + rng() % 0x780)); break;
-            case 2: out.push_back(static_cast<char16_t>(0x800 + rng() % 0xD000)); break;
-            case 3: out.push_back(static_cast<char16_t>(0xD800 + rng() % 0x400)); break; // high
-            case 4: out.push_back(static_cast<char16_t>(0xDC00 + rng() % 0x400)); break; // low
-            default: out.push_back(static_cast<char16_t>(rng() & 0xFFFF)); break;
+            case 0:
+                out.push_back(static_cast<char16_t>(rng() % 0x80));
+                break;
+            case 1:
+                out.push_back(static_cast<char16_t>(0x80 + rng() % 0x780));
+                break;
+            case 2:
+                out.push_back(static_cast<char16_t>(0x800 + rng() % 0xD000));
+                break;
+            case 3:
+                out.push_back(static_cast<char16_t>(0xD800 + rng() % 0x400));
+                break; // high
+            case 4:
+                out.push_back(static_cast<char16_t>(0xDC00 + rng() % 0x400));
+                break; // low
+            default:
+                out.push_back(static_cast<char16_t>(rng() & 0xFFFF));
+                break;
             }
         }
         return out;
@@ -192,20 +207,24 @@ TEST(UTF16, NullTextLeavesAnEmptyObject)
 
 TEST(UTF16, InvalidByteGivesOneReplacement)
 {
-    EXPECT_EQ(ToUTF16("a\xFF" "b"), U16(u"a\uFFFDb"));
+    EXPECT_EQ(ToUTF16("a\xFF"
+                      "b"),
+              U16(u"a\uFFFDb"));
 }
 
 TEST(UTF16, MaximalSubpartsEachGiveOneReplacement)
 {
-    EXPECT_EQ(ToUTF16("\xE2\x82"), U16(u"\uFFFD"));              // cut-short prefix: one
-    EXPECT_EQ(ToUTF16("\xE2\x82" "A"), U16(u"\uFFFDA"));
+    EXPECT_EQ(ToUTF16("\xE2\x82"), U16(u"\uFFFD")); // cut-short prefix: one
+    EXPECT_EQ(ToUTF16("\xE2\x82"
+                      "A"),
+              U16(u"\uFFFDA"));
     EXPECT_EQ(ToUTF16("\xF0\x9F\x98"), U16(u"\uFFFD"));
-    EXPECT_EQ(ToUTF16("\xC0\xAF"), U16(u"\uFFFD\uFFFD"));         // overlong: byte by byte
+    EXPECT_EQ(ToUTF16("\xC0\xAF"), U16(u"\uFFFD\uFFFD")); // overlong: byte by byte
     EXPECT_EQ(ToUTF16("\xE0\x80\xAF"), U16(u"\uFFFD\uFFFD\uFFFD"));
-    EXPECT_EQ(ToUTF16("\xED\xA0\x80"), U16(u"\uFFFD\uFFFD\uFFFD")); // encoded surrogate
+    EXPECT_EQ(ToUTF16("\xED\xA0\x80"), U16(u"\uFFFD\uFFFD\uFFFD"));           // encoded surrogate
     EXPECT_EQ(ToUTF16("\xF4\x90\x80\x80"), U16(u"\uFFFD\uFFFD\uFFFD\uFFFD")); // above U+10FFFF
     EXPECT_EQ(ToUTF16("\xF5"), U16(u"\uFFFD"));
-    EXPECT_EQ(ToUTF16("\x80\x80"), U16(u"\uFFFD\uFFFD"));         // stray continuations
+    EXPECT_EQ(ToUTF16("\x80\x80"), U16(u"\uFFFD\uFFFD")); // stray continuations
 }
 
 TEST(UTF16, EveryLengthOfSequence)
@@ -318,7 +337,8 @@ TEST(UTF8, ExplicitAndWholeLengths)
 
 TEST(UTF8, LoneSurrogatesGiveOneReplacementEach)
 {
-    EXPECT_EQ(ToUTF8(U16(u"a") + char16_t(0xD800) + u"b"), "a\xEF\xBF\xBD" "b");
+    EXPECT_EQ(ToUTF8(U16(u"a") + char16_t(0xD800) + u"b"), "a\xEF\xBF\xBD"
+                                                           "b");
     EXPECT_EQ(ToUTF8(U16(1, char16_t(0xDC00))), "\xEF\xBF\xBD");
     EXPECT_EQ(ToUTF8(U16{char16_t(0xDC00), char16_t(0xD800)}), "\xEF\xBF\xBD\xEF\xBF\xBD");
     EXPECT_EQ(ToUTF8(U16(1, char16_t(0xD83D))), "\xEF\xBF\xBD"); // a pair cut at the end
