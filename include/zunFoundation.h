@@ -9,6 +9,7 @@
 #include "zunException.h"
 #include "zunFlags.h"
 #include "zunMem.h"
+#include "zunPolyTess.h"
 #include "zunRectangle.h"
 #include "zunTypes.h"
 #include "zunUTF.h"
