@@ -78,6 +78,14 @@ namespace
 
 extern "C"
 {
+    // The off-screen GL implementation keeps the framebuffer it makes in
+    // OSMesaMakeCurrent after the context is gone; that is its own affair,
+    // and every other allocation is still checked for leaks.
+    const char * __lsan_default_suppressions()
+    {
+        return "leak:libOSMesa.so\n";
+    }
+
     GLenum GLAPIENTRY glGetError(void)
     {
         static auto real = Real<GLenum(GLAPIENTRY *)(void)>("glGetError");

@@ -5,6 +5,17 @@
 #include <cstdio>
 #include <cstring>
 
+namespace
+{
+    struct CountTriangles : zunPolyTess_CB
+    {
+        int vertices = 0;
+        void Begin(int) override {}
+        void Vertex(void *) override { ++vertices; }
+        void End() override {}
+    };
+}
+
 int main()
 {
     int failures = 0;
@@ -25,6 +36,20 @@ int main()
     {
         failures += std::strcmp(e.GetDebugDescription(), "7") != 0;
     }
+
+    zunRectangleT<int> overlap = zunRectangleT<int>(0, 0, 10, 10) & zunRectangleT<int>(5, 5, 10, 10);
+    failures += overlap.left != 5 || overlap.width != 5;
+    failures += !zunRectangleT<double>(0, 0, 1, 1).Contains(1.0, 1.0);
+
+    CountTriangles counter;
+    zunPolyTess tess(counter);
+    double triangle[3][3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+    failures += !tess.IsValid();
+    failures += tess.BeginPolygon();
+    for (auto & corner : triangle)
+        failures += tess.Vertex(corner, corner);
+    failures += tess.EndPolygon();
+    failures += counter.vertices != 3;
 
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
