@@ -7,6 +7,7 @@
 
 #include "zunConfig.h"
 #include "zunException.h"
+#include "zunFastMesh.h"
 #include "zunFlags.h"
 #include "zunMem.h"
 #include "zunPolyTess.h"

@@ -28,6 +28,11 @@ int main()
     failures += zunMemGetSize(block) != 64;
     zunMemFree(block);
 
+    zunFastMesh<unsigned int> ids;
+    for (unsigned int i = 0; i < 20; ++i)
+        failures += !ids.Add(i * 3);
+    failures += ids.Count() != 20 || ids.FindIf(0, 0xFFFFFFFF, [](unsigned int v) { return v == 30; }) != 10;
+
     try
     {
         throw zunException("consumer:1", "int __cdecl main(void)").SetDebugDescription("%d", 7);
