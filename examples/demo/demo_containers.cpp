@@ -12,7 +12,7 @@ ZUN_DEMO_SECTION(30, "Growable arrays")
     unsigned int lastCapacity = 0;
     for (int i = 0; i < 100; ++i)
     {
-        values.Add(i * 0.5);
+        values.Add(1.0 + i * 0.5);
         if (values.Capacity() != lastCapacity)
             std::printf(" %u", lastCapacity = values.Capacity());
     }
