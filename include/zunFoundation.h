@@ -5,6 +5,7 @@
 #ifndef ZUN_FOUNDATION_H
 #define ZUN_FOUNDATION_H
 
+#include "zunColor.h"
 #include "zunConfig.h"
 #include "zunException.h"
 #include "zunFastMesh.h"
@@ -12,6 +13,7 @@
 #include "zunMem.h"
 #include "zunPolyTess.h"
 #include "zunRectangle.h"
+#include "zunToneMap.h"
 #include "zunTypes.h"
 #include "zunUTF.h"
 

@@ -56,6 +56,10 @@ int main()
     failures += tess.EndPolygon();
     failures += counter.vertices != 3;
 
+    failures += zunColor::Red().GetRGBA32() != 0xFF0000FFu;
+    zunToneMap toneMap;
+    failures += !toneMap.SetStandardGamma(2.2) || toneMap.GetStandardGamma() != 2.2;
+
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
 }

@@ -1,0 +1,76 @@
+// Demo sections of the color family: spaces, paint-like mixing, tone maps.
+#include <zunFoundation.h>
+
+#include <cstdio>
+
+#include "DemoSection.h"
+
+namespace
+{
+    void PrintIn(const char * label, const zunColor & color)
+    {
+        double r, g, b, h, s, v, L, A, B;
+        color.Get(r, g, b, zunColor::RGB);
+        color.Get(h, s, v, zunColor::HSV);
+        color.Get(L, A, B, zunColor::Lab);
+        std::printf("  %-24s RGB (%.3f, %.3f, %.3f)  HSV (%5.1f, %.3f, %.3f)  Lab (%6.2f, %7.2f, %7.2f)  0x%08X\n",
+                    label, r, g, b, h, s, v, L, A, B, color.GetRGBA32());
+    }
+}
+
+ZUN_DEMO_SECTION(190, "Colors in six spaces")
+{
+    const zunColor orange(255, 165, 0, 255);
+    PrintIn("orange (eight-bit)", orange);
+    const zunColor fromHsv(200.0, 0.6, 0.9, zunColor::HSV);
+    PrintIn("held in HSV", fromHsv);
+    const zunColor fromLab(60.0, -30.0, 40.0, 0.5, zunColor::Lab);
+    PrintIn("held in Lab, alpha 0.5", fromLab);
+
+    double x, y, Y;
+    zunColor::White().Get(x, y, Y, zunColor::XYZ);
+    std::printf("  white in XYZ is the reference white: (%.5f, %.5f, %.5f)\n", x, y, Y);
+
+    zunColor clamped;
+    clamped.Set(400.0, 2.0, 0.5, zunColor::HSV);
+    std::printf("  Set(400, 2, 0.5, HSV) clamps hue and saturation: RGB (%.2f, %.2f, %.2f)\n", clamped.m_c0,
+                clamped.m_c1, clamped.m_c2);
+    std::printf("  Lab distance orange -> gold: %.2f\n", orange.Distance(zunColor(255, 215, 0, 255)));
+}
+
+ZUN_DEMO_SECTION(191, "Mixing, saturation, hue")
+{
+    PrintIn("yellow + aqua, paint", zunColor::Mix(zunColor::Yellow(), zunColor::Aqua(), 0.5));
+    PrintIn("white + black, paint", zunColor::Mix(zunColor::White(), zunColor::Black(), 0.5));
+    PrintIn("white + black, Add", zunColor::Add(zunColor::White(), zunColor::Black(), 0.5, 0.5));
+    const zunColor rose(0.8, 0.4, 0.5, zunColor::RGB);
+    PrintIn("rose", rose);
+    PrintIn("rose, Saturate(PS 0.5)", zunColor::Saturate(rose, zunColor::GetSaturateMultFromPS(0.5)));
+    PrintIn("rose, hue +120", zunColor::HSV_Modulate(rose, 120.0, 1.0, 1.0));
+    PrintIn("rose * 0.5 (brightness)", rose * 0.5);
+    std::printf("  gray of rose: %.3f\n", rose.GetGray());
+    PrintIn("hue 5 turned by -10", zunColor::HSV_Modulate(zunColor(5.0, 1.0, 1.0, zunColor::HSV), -10.0, 1.0, 1.0));
+}
+
+ZUN_DEMO_SECTION(192, "Tone-map parameters")
+{
+    zunToneMap map;
+    // Each setter answers whether the value really changed.
+    const char * answer = map.SetBrightness(2.0) ? "changed" : "same";
+    std::printf("  SetBrightness(2)       -> %s, brightness %.1f\n", answer, map.GetBrightness());
+    answer = map.SetBrightness(2.0) ? "changed" : "same";
+    std::printf("  SetBrightness(2) again -> %s\n", answer);
+    answer = map.SetStandardGamma(2.2) ? "changed" : "same";
+    std::printf("  SetStandardGamma(2.2)  -> %s, internal gamma %.3f, standard %.3f\n", answer, map.GetNacreGamma(),
+                map.GetStandardGamma());
+    answer = map.SetStandardGamma(0.5) ? "changed" : "same";
+    std::printf("  SetStandardGamma(0.5)  -> %s, internal gamma %.3f, standard %.3f\n", answer, map.GetNacreGamma(),
+                map.GetStandardGamma());
+    zunToneMap other = map;
+    other.SetBrightness(0.99995);
+    std::printf("  brightness 1 vs 0.99995: %s (sliders compare at 0.0001)\n", map == other ? "equal" : "different");
+    other = map;
+    other.SetClampMax(0.99995);
+    std::printf("  clamp max 1 vs 0.99995:  %s (the clamp at machine precision)\n",
+                map == other ? "equal" : "different");
+}
