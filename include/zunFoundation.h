@@ -10,6 +10,7 @@
 #include "zunException.h"
 #include "zunFastMesh.h"
 #include "zunFlags.h"
+#include "zunMatrix44.h"
 #include "zunMem.h"
 #include "zunPolyTess.h"
 #include "zunRectangle.h"

@@ -1,0 +1,539 @@
+// zunMatrix44: composition, the Add* family, accessors, inversion, transpose.
+// The transforms of point arrays are in Matrix44Transform.cpp.
+//
+// Every formula here keeps the order of terms and the sequence of matrix
+// products that the class documents, because they decide the rounding: two
+// builds must give the same bits for the same calls.
+#include "zunMatrix44.h"
+
+#include <cmath>
+
+#include "Vector3Math.h"
+#include "zunMem.h"
+
+using zunVector3Math::Cross;
+using zunVector3Math::GuardedNormalize;
+using zunVector3Math::kDegenerateLength;
+using zunVector3Math::kNormalizeFloor;
+using zunVector3Math::Length;
+using zunVector3Math::Of;
+using zunVector3Math::Scaled;
+using zunVector3Math::Vec3;
+
+const zunMatrix44 zunMatrix44::Identity;
+
+namespace
+{
+    /// Degrees to radians: the angle times pi times the double nearest 1/180,
+    /// multiplied in that order.
+    double DegreesToRadians(double degrees)
+    {
+        return degrees * 3.141592653589793 * 0.005555555555555556;
+    }
+
+    /// The factor that turns the atan2 terms of GetRotation into the degrees
+    /// AddRotation took; shorter than 180/pi, and kept so.
+    constexpr double kRadiansToNegativeDegrees = -57.29577951308;
+
+    constexpr double kParallelDot = 0.999999999;
+
+    zunMatrix44 Translation(double x, double y, double z)
+    {
+        zunMatrix44 t;
+        t.m[12] = x;
+        t.m[13] = y;
+        t.m[14] = z;
+        return t;
+    }
+
+    /// A center counts only if one of x, y, z differs from 0.0 (so -0.0 does not).
+    bool IsCenter(const zunVector4T<double> & center)
+    {
+        return center.x != 0.0 || center.y != 0.0 || center.z != 0.0;
+    }
+
+    /// The rotation by the angle of cosine `c` and sine `s` about the unit axis.
+    zunMatrix44 AxisRotation(const Vec3 & axis, double c, double s)
+    {
+        const double x = axis.x, y = axis.y, z = axis.z;
+        const double d = 1.0 - c;
+        zunMatrix44 r;
+        r.m[0] = x * x * d + c;
+        r.m[1] = y * x * d + z * s;
+        r.m[2] = z * x * d - y * s;
+        r.m[4] = y * x * d - z * s;
+        r.m[5] = y * y * d + c;
+        r.m[6] = z * y * d + x * s;
+        r.m[8] = z * x * d + y * s;
+        r.m[9] = z * y * d - x * s;
+        r.m[10] = z * z * d + c;
+        return r;
+    }
+
+    /// The axis block with the columns x, y, z and the translation t, the last
+    /// row that of the identity.
+    zunMatrix44 Frame(const Vec3 & x, const Vec3 & y, const Vec3 & z, const Vec3 & t)
+    {
+        zunMatrix44 f;
+        f.m[0] = x.x, f.m[1] = x.y, f.m[2] = x.z;
+        f.m[4] = y.x, f.m[5] = y.y, f.m[6] = y.z;
+        f.m[8] = z.x, f.m[9] = z.y, f.m[10] = z.z;
+        f.m[12] = t.x, f.m[13] = t.y, f.m[14] = t.z;
+        return f;
+    }
+
+    /// Scales to unit length unless the length is below 1e-19 (a length of
+    /// exactly 1e-19 is scaled, unlike the guarded normalization).
+    Vec3 UnitUnlessBelowFloor(const Vec3 & v, double length)
+    {
+        return kNormalizeFloor > length ? v : Scaled(v, 1.0 / length);
+    }
+
+    void SetColumn(double * column, const Vec3 & v)
+    {
+        column[0] = v.x;
+        column[1] = v.y;
+        column[2] = v.z;
+    }
+}
+
+bool zunMatrix44::operator==(const zunMatrix44 & other) const
+{
+    return zunMemCmp(m, other.m, sizeof(m)) == 0;
+}
+
+bool zunMatrix44::operator!=(const zunMatrix44 & other) const
+{
+    return !(*this == other);
+}
+
+zunMatrix44 & zunMatrix44::SetIdentity()
+{
+    *this = zunMatrix44();
+    return *this;
+}
+
+zunMatrix44 & zunMatrix44::MulMtx(const zunMatrix44 & b)
+{
+    if (&b == this)
+    {
+        // The documented row-by-row product as its elements fall: each row of
+        // A is read into locals, then its four new elements are written, and
+        // later rows read B after earlier rows changed it. Kept for callers
+        // that rely on what that gives; it is not the square.
+        for (int r = 0; r < 4; ++r)
+        {
+            const double a0 = m[r], a1 = m[4 + r], a2 = m[8 + r], a3 = m[12 + r];
+            for (int c = 0; c < 4; ++c)
+                m[4 * c + r] = a0 * b.m[4 * c] + a1 * b.m[4 * c + 1] + a2 * b.m[4 * c + 2] + a3 * b.m[4 * c + 3];
+        }
+        return *this;
+    }
+
+    // B is another matrix, so all of A can be held in locals first; each new
+    // element is the same sum in the same order as row by row, and the
+    // columns leave the compiler free to keep whole rows in vector registers.
+    double a[16];
+    for (int i = 0; i < 16; ++i)
+        a[i] = m[i];
+    for (int c = 0; c < 4; ++c)
+    {
+        const double b0 = b.m[4 * c], b1 = b.m[4 * c + 1], b2 = b.m[4 * c + 2], b3 = b.m[4 * c + 3];
+        for (int r = 0; r < 4; ++r)
+            m[4 * c + r] = a[r] * b0 + a[4 + r] * b1 + a[8 + r] * b2 + a[12 + r] * b3;
+    }
+    return *this;
+}
+
+zunMatrix44 & zunMatrix44::AddTranslation(const zunVector4T<double> & offset)
+{
+    return MulMtx(Translation(offset.x, offset.y, offset.z));
+}
+
+namespace
+{
+    /// M <- M·T(c)·R·T(-c) for a center, else M <- M·R.
+    zunMatrix44 & MulCentered(zunMatrix44 & target, const zunMatrix44 & r, const zunVector4T<double> & center)
+    {
+        if (!IsCenter(center))
+            return target.MulMtx(r);
+        target.AddTranslation(center);
+        target.MulMtx(r);
+        return target.MulMtx(Translation(-center.x, -center.y, -center.z));
+    }
+}
+
+zunMatrix44 & zunMatrix44::AddScaling(const zunVector4T<double> & scale, const zunVector4T<double> & center)
+{
+    zunMatrix44 s;
+    s.m[0] = scale.x;
+    s.m[5] = scale.y;
+    s.m[10] = scale.z;
+    return MulCentered(*this, s, center);
+}
+
+zunMatrix44 & zunMatrix44::AddRotation(const zunVector4T<double> & angles, const zunVector4T<double> & center)
+{
+    const zunVector4T<double> radians(DegreesToRadians(angles.x), DegreesToRadians(angles.y),
+                                      DegreesToRadians(angles.z), angles.w);
+    return AddRotationRad(radians, center);
+}
+
+zunMatrix44 & zunMatrix44::AddRotationRad(const zunVector4T<double> & angles, const zunVector4T<double> & center)
+{
+    zunMatrix44 rx, ry, rz;
+    const double cx = std::cos(angles.x), sx = std::sin(angles.x);
+    rx.m[5] = cx, rx.m[6] = sx, rx.m[9] = -sx, rx.m[10] = cx;
+    const double cy = std::cos(angles.y), sy = std::sin(angles.y);
+    ry.m[0] = cy, ry.m[2] = -sy, ry.m[8] = sy, ry.m[10] = cy;
+    const double cz = std::cos(angles.z), sz = std::sin(angles.z);
+    rz.m[0] = cz, rz.m[1] = sz, rz.m[4] = -sz, rz.m[5] = cz;
+
+    zunMatrix44 r;
+    r.MulMtx(rx).MulMtx(ry).MulMtx(rz);
+    return MulCentered(*this, r, center);
+}
+
+zunMatrix44 & zunMatrix44::AddRotationVector(const zunVector4T<double> & axis, double angle,
+                                             const zunVector4T<double> & center)
+{
+    return AddRotationVectorRad(axis, DegreesToRadians(angle), center);
+}
+
+zunMatrix44 & zunMatrix44::AddRotationVectorRad(const zunVector4T<double> & axis, double angle,
+                                                const zunVector4T<double> & center)
+{
+    const double length = Length(Of(axis));
+    if (kDegenerateLength > length)
+        return *this;
+    const Vec3 unit = Scaled(Of(axis), 1.0 / length);
+    return MulCentered(*this, AxisRotation(unit, std::cos(angle), std::sin(angle)), center);
+}
+
+zunMatrix44 & zunMatrix44::AddRotationVectorCos(const zunVector4T<double> & axis, double cosAngle,
+                                                const zunVector4T<double> & center)
+{
+    const double length = Length(Of(axis));
+    if (kDegenerateLength > length)
+        return *this;
+    const Vec3 unit = Scaled(Of(axis), 1.0 / length);
+    return MulCentered(*this, AxisRotation(unit, cosAngle, std::sqrt(1.0 - cosAngle * cosAngle)), center);
+}
+
+zunMatrix44 & zunMatrix44::AddAlignVectorOnVector(const zunVector4T<double> & a, const zunVector4T<double> & b)
+{
+    Vec3 from = Of(a), to = Of(b);
+    GuardedNormalize(from);
+    GuardedNormalize(to);
+    const double dot = zunVector3Math::Dot(from, to);
+    const zunVector4T<double> noCenter(0.0, 0.0, 0.0, 1.0);
+
+    if (dot > kParallelDot)
+        return *this;
+    if (-kParallelDot > dot)
+    {
+        // Opposite: turn half round about an axis normal to `a`, found from
+        // the unit axis picked by these comparisons (ties as written).
+        const double ax = std::fabs(from.x), ay = std::fabs(from.y), az = std::fabs(from.z);
+        Vec3 helper;
+        if (ay > ax)
+            helper = az > ax ? Vec3{1.0, 0.0, 0.0} : Vec3{0.0, 0.0, 1.0};
+        else
+            helper = az > ay ? Vec3{0.0, 1.0, 0.0} : Vec3{0.0, 0.0, 1.0};
+        const Vec3 axis = Cross(helper, from);
+        return AddRotationVectorCos(zunVector4T<double>(axis.x, axis.y, axis.z), -1.0, noCenter);
+    }
+    const Vec3 raw = Cross(from, to);
+    const Vec3 axis = UnitUnlessBelowFloor(raw, Length(raw));
+    return AddRotationVectorCos(zunVector4T<double>(axis.x, axis.y, axis.z), dot, noCenter);
+}
+
+namespace
+{
+    /// The up vector of the align operations: X when v leans more to Z than
+    /// to X, else Z.
+    zunVector4T<double> AlignUp(const zunVector4T<double> & v)
+    {
+        return std::fabs(v.z) > std::fabs(v.x) ? zunVector4T<double>(1.0, 0.0, 0.0)
+                                               : zunVector4T<double>(0.0, 0.0, 1.0);
+    }
+
+    zunVector4T<double> Negated(const zunVector4T<double> & v)
+    {
+        return zunVector4T<double>(-v.x, -v.y, -v.z, v.w);
+    }
+
+    const zunVector4T<double> kOrigin(0.0, 0.0, 0.0, 1.0);
+}
+
+zunMatrix44 & zunMatrix44::AddAlignVectorOnXY(const zunVector4T<double> & v)
+{
+    zunMatrix44 look;
+    look.AddLookAt(kOrigin, Negated(v), AlignUp(v));
+    look.Invert();
+    return MulMtx(look);
+}
+
+zunMatrix44 & zunMatrix44::AddInvAlignVectorOnXY(const zunVector4T<double> & v)
+{
+    return AddLookAt(kOrigin, Negated(v), AlignUp(v));
+}
+
+zunMatrix44 & zunMatrix44::AddLookAt(const zunVector4T<double> & position, const zunVector4T<double> & target,
+                                     const zunVector4T<double> & up)
+{
+    const Vec3 forward{position.x - target.x, position.y - target.y, position.z - target.z};
+    const double forwardLength = Length(forward);
+    if (kDegenerateLength > forwardLength)
+        return *this;
+    const Vec3 right = Cross(Of(up), forward);
+    const double rightLength = Length(right);
+    if (kDegenerateLength > rightLength)
+        return *this;
+    // The up axis comes from the vectors before they are scaled to unit length.
+    Vec3 upAxis = Cross(forward, right);
+    GuardedNormalize(upAxis);
+    return MulMtx(Frame(UnitUnlessBelowFloor(right, rightLength), upAxis, UnitUnlessBelowFloor(forward, forwardLength),
+                        Of(position)));
+}
+
+zunMatrix44 & zunMatrix44::AddOriginXY(const zunVector4T<double> & origin, const zunVector4T<double> & xDir,
+                                       const zunVector4T<double> & yDir)
+{
+    Vec3 x = Of(xDir), y = Of(yDir);
+    if (kDegenerateLength > Length(x) || kDegenerateLength > Length(y))
+        return *this;
+    GuardedNormalize(x);
+    GuardedNormalize(y);
+    Vec3 z = Cross(x, y);
+    if (kDegenerateLength > Length(z))
+        return *this;
+    GuardedNormalize(z);
+    return MulMtx(Frame(x, Cross(z, x), z, Of(origin)));
+}
+
+zunMatrix44 & zunMatrix44::AddAtoB(const zunMatrix44 & a, const zunMatrix44 & b)
+{
+    // A singular A leaves the identity in `step`, so the result is M·B.
+    zunMatrix44 step;
+    a.Invert(step);
+    step.MulMtx(b);
+    return MulMtx(step);
+}
+
+zunMatrix44 & zunMatrix44::AddOrtho(double left, double right, double bottom, double top, double zNear, double zFar)
+{
+    zunMatrix44 t;
+    t.m[0] = 2.0 / (right - left);
+    t.m[5] = 2.0 / (top - bottom);
+    t.m[10] = -2.0 / (zFar - zNear);
+    t.m[12] = -(left + right) / (right - left);
+    t.m[13] = -(bottom + top) / (top - bottom);
+    t.m[14] = -(zNear + zFar) / (zFar - zNear);
+    return MulMtx(t);
+}
+
+zunMatrix44 & zunMatrix44::AddPerspective(double left, double right, double bottom, double top, double zNear,
+                                          double zFar)
+{
+    zunMatrix44 t;
+    t.m[0] = 2.0 * zNear / (right - left);
+    t.m[5] = 2.0 * zNear / (top - bottom);
+    t.m[8] = (left + right) / (right - left);
+    t.m[9] = (bottom + top) / (top - bottom);
+    t.m[10] = -(zNear + zFar) / (zFar - zNear);
+    t.m[11] = -1.0;
+    t.m[14] = -2.0 * zFar * zNear / (zFar - zNear);
+    t.m[15] = 0.0;
+    return MulMtx(t);
+}
+
+zunVector4T<double> zunMatrix44::GetRotation() const
+{
+    const double t = std::atan2(m[9], m[10]);
+    const double st = std::sin(t), ct = std::cos(t);
+    const double ax = t * kRadiansToNegativeDegrees;
+    const double ay = std::atan2(-m[8], std::sqrt(m[0] * m[0] + m[4] * m[4])) * kRadiansToNegativeDegrees;
+    const double az = std::atan2(st * m[2] - ct * m[1], ct * m[5] - st * m[6]) * kRadiansToNegativeDegrees;
+    return zunVector4T<double>(ax, ay, az, 1.0);
+}
+
+zunVector4T<double> zunMatrix44::GetScale() const
+{
+    return zunVector4T<double>(std::sqrt(m[0] * m[0] + m[1] * m[1] + m[2] * m[2]),
+                               std::sqrt(m[4] * m[4] + m[5] * m[5] + m[6] * m[6]),
+                               std::sqrt(m[8] * m[8] + m[9] * m[9] + m[10] * m[10]), 1.0);
+}
+
+zunVector4T<double> zunMatrix44::GetTranslation() const
+{
+    return zunVector4T<double>(m[12], m[13], m[14], 1.0);
+}
+
+zunMatrix44 & zunMatrix44::SetTranslation(const zunVector3T<float> & t)
+{
+    return SetTranslation(zunVector3T<double>(t.x, t.y, t.z));
+}
+
+zunMatrix44 & zunMatrix44::SetTranslation(const zunVector3T<double> & t)
+{
+    m[12] = t.x;
+    m[13] = t.y;
+    m[14] = t.z;
+    return *this;
+}
+
+zunMatrix44 & zunMatrix44::SetTranslation(const zunVector4T<double> & t)
+{
+    return SetTranslation(zunVector3T<double>(t.x, t.y, t.z));
+}
+
+zunMatrix44 & zunMatrix44::SetXYZ(const zunVector4T<double> & x, const zunVector4T<double> & y, bool orthonormal)
+{
+    if (orthonormal)
+    {
+        SetColumn(m, Of(x));
+        SetColumn(m + 4, Of(y));
+        SetColumn(m + 8, Cross(Of(x), Of(y)));
+        return *this;
+    }
+    Vec3 xUnit = Of(x), yUnit = Of(y);
+    if (kDegenerateLength > Length(xUnit) || kDegenerateLength > Length(yUnit))
+        return *this;
+    GuardedNormalize(xUnit);
+    GuardedNormalize(yUnit);
+    Vec3 z = Cross(xUnit, yUnit);
+    if (kDegenerateLength > Length(z))
+        return *this;
+    GuardedNormalize(z);
+    SetColumn(m, xUnit);
+    SetColumn(m + 4, Cross(z, xUnit));
+    SetColumn(m + 8, z);
+    return *this;
+}
+
+zunVector3T<double> zunMatrix44::X() const
+{
+    return zunVector3T<double>(m[0], m[1], m[2]);
+}
+
+zunVector3T<double> zunMatrix44::Y() const
+{
+    return zunVector3T<double>(m[4], m[5], m[6]);
+}
+
+zunVector3T<double> zunMatrix44::Z() const
+{
+    return zunVector3T<double>(m[8], m[9], m[10]);
+}
+
+zunMatrix44 & zunMatrix44::RemoveScales()
+{
+    GuardedNormalize(m[0], m[1], m[2]);
+    GuardedNormalize(m[4], m[5], m[6]);
+    GuardedNormalize(m[8], m[9], m[10]);
+    return *this;
+}
+
+bool zunMatrix44::Invert()
+{
+    return Invert(*this);
+}
+
+bool zunMatrix44::Invert(zunMatrix44 & out) const
+{
+    if (!(m[3] == 0.0 && m[7] == 0.0 && m[11] == 0.0 && m[15] == 1.0))
+        return InvertGeneral(out);
+
+    // Affine: the inverse of the 3 by 3 block, and the translation carried
+    // back through it. Everything is read before `out` (maybe this) is written.
+    const double d =
+        m[0] * (m[5] * m[10] - m[6] * m[9]) + m[4] * (m[2] * m[9] - m[1] * m[10]) + m[8] * (m[1] * m[6] - m[2] * m[5]);
+    if (d == 0.0)
+    {
+        out.SetIdentity();
+        return false;
+    }
+    const double f = 1.0 / d;
+    const double i0 = (m[5] * m[10] - m[6] * m[9]) * f;
+    const double i1 = (m[2] * m[9] - m[1] * m[10]) * f;
+    const double i2 = (m[1] * m[6] - m[2] * m[5]) * f;
+    const double i4 = (m[6] * m[8] - m[4] * m[10]) * f;
+    const double i5 = (m[0] * m[10] - m[2] * m[8]) * f;
+    const double i6 = (m[2] * m[4] - m[0] * m[6]) * f;
+    const double i8 = (m[4] * m[9] - m[5] * m[8]) * f;
+    const double i9 = (m[1] * m[8] - m[0] * m[9]) * f;
+    const double i10 = (m[0] * m[5] - m[1] * m[4]) * f;
+    const double tx = m[12], ty = m[13], tz = m[14];
+
+    out.m[0] = i0, out.m[1] = i1, out.m[2] = i2, out.m[3] = 0.0;
+    out.m[4] = i4, out.m[5] = i5, out.m[6] = i6, out.m[7] = 0.0;
+    out.m[8] = i8, out.m[9] = i9, out.m[10] = i10, out.m[11] = 0.0;
+    out.m[12] = -(i0 * tx + i4 * ty + i8 * tz);
+    out.m[13] = -(i1 * tx + i5 * ty + i9 * tz);
+    out.m[14] = -(i2 * tx + i6 * ty + i10 * tz);
+    out.m[15] = 1.0;
+    return true;
+}
+
+bool zunMatrix44::InvertGeneral(zunMatrix44 & out) const
+{
+    // Cofactors from the 2 by 2 minors of the upper two rows (s) and of the
+    // lower two rows (c), with a_rc = m[4c + r]; no pivoting.
+    const double a00 = m[0], a01 = m[4], a02 = m[8], a03 = m[12];
+    const double a10 = m[1], a11 = m[5], a12 = m[9], a13 = m[13];
+    const double a20 = m[2], a21 = m[6], a22 = m[10], a23 = m[14];
+    const double a30 = m[3], a31 = m[7], a32 = m[11], a33 = m[15];
+
+    const double s0 = a00 * a11 - a10 * a01, s1 = a00 * a12 - a10 * a02, s2 = a00 * a13 - a10 * a03;
+    const double s3 = a01 * a12 - a11 * a02, s4 = a01 * a13 - a11 * a03, s5 = a02 * a13 - a12 * a03;
+    const double c0 = a20 * a31 - a30 * a21, c1 = a20 * a32 - a30 * a22, c2 = a20 * a33 - a30 * a23;
+    const double c3 = a21 * a32 - a31 * a22, c4 = a21 * a33 - a31 * a23, c5 = a22 * a33 - a32 * a23;
+
+    // Cofactors of the first row; the determinant expands along it.
+    const double k00 = a11 * c5 - a12 * c4 + a13 * c3;
+    const double k01 = -(a10 * c5 - a12 * c2 + a13 * c1);
+    const double k02 = a10 * c4 - a11 * c2 + a13 * c0;
+    const double k03 = -(a10 * c3 - a11 * c1 + a12 * c0);
+    const double d = a00 * k00 + a01 * k01 + a02 * k02 + a03 * k03;
+    if (d == 0.0)
+    {
+        out.SetIdentity();
+        return false;
+    }
+    const double f = 1.0 / d;
+
+    const double k10 = -(a01 * c5 - a02 * c4 + a03 * c3);
+    const double k11 = a00 * c5 - a02 * c2 + a03 * c1;
+    const double k12 = -(a00 * c4 - a01 * c2 + a03 * c0);
+    const double k13 = a00 * c3 - a01 * c1 + a02 * c0;
+    const double k20 = a31 * s5 - a32 * s4 + a33 * s3;
+    const double k21 = -(a30 * s5 - a32 * s2 + a33 * s1);
+    const double k22 = a30 * s4 - a31 * s2 + a33 * s0;
+    const double k23 = -(a30 * s3 - a31 * s1 + a32 * s0);
+    const double k30 = -(a21 * s5 - a22 * s4 + a23 * s3);
+    const double k31 = a20 * s5 - a22 * s2 + a23 * s1;
+    const double k32 = -(a20 * s4 - a21 * s2 + a23 * s0);
+    const double k33 = a20 * s3 - a21 * s1 + a22 * s0;
+
+    // The inverse is the transposed cofactor matrix over d: element (r, c) of
+    // the inverse is the cofactor of a_cr, stored at m[4c + r].
+    const double inverse[16] = {k00, k01, k02, k03, k10, k11, k12, k13, k20, k21, k22, k23, k30, k31, k32, k33};
+    for (int i = 0; i < 16; ++i)
+        out.m[i] = inverse[i] * f;
+    return true;
+}
+
+zunMatrix44 & zunMatrix44::Transpose()
+{
+    Transpose(*this);
+    return *this;
+}
+
+void zunMatrix44::Transpose(zunMatrix44 & out) const
+{
+    const zunMatrix44 source = *this;
+    for (int r = 0; r < 4; ++r)
+        for (int c = 0; c < 4; ++c)
+            out.m[4 * c + r] = source.m[4 * r + c];
+}
