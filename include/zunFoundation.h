@@ -13,6 +13,7 @@
 #include "zunMatrix44.h"
 #include "zunMem.h"
 #include "zunPolyTess.h"
+#include "zunQuaternion.h"
 #include "zunRectangle.h"
 #include "zunToneMap.h"
 #include "zunTypes.h"
