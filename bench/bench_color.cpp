@@ -1,15 +1,18 @@
-// Colors: space conversion and paint-like mixing, a million colors a run.
+// Colors and transfer curves: space conversion, paint-like mixing and blend
+// curve evaluation, a million values a run.
 //
 // Peers: Little CMS (what a program would otherwise call for sRGB <-> Lab;
 // its Lab is relative to D50 with chromatic adaptation, so only the speed is
-// comparable), and a plain linear blend of the RGB channels, the mix a user
-// would write by hand.
+// comparable); a plain linear blend of the RGB channels, the mix a user would
+// write by hand; and Newton's method on the Bezier curve, the usual way to
+// evaluate such a transfer curve without a closed form.
 #include <zunFoundation.h>
 
 #include <benchmark/benchmark.h>
 
 #include <lcms2.h>
 
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -111,4 +114,58 @@ namespace
         state.SetItemsProcessed(state.iterations() * kColors);
     }
     BENCHMARK(BM_LinearBlend)->Unit(benchmark::kMillisecond);
+
+    std::vector<double> UnitInputs()
+    {
+        std::vector<double> inputs(kColors);
+        for (int i = 0; i < kColors; ++i)
+            inputs[i] = (i + 0.5) / kColors;
+        return inputs;
+    }
+
+    void BM_BlendFunction_EvalArray(benchmark::State & state)
+    {
+        std::vector<double> inputs = UnitInputs();
+        const zunBlendFunction blend(state.range(0) / 100.0);
+        zunFastMesh<double> results;
+        for (auto _ : state)
+        {
+            blend.Eval(inputs.data(), kColors, results);
+            benchmark::DoNotOptimize(results[0]);
+        }
+        state.SetItemsProcessed(state.iterations() * kColors);
+    }
+    // Tension 0.5 runs the real branch, 0.9 mostly the complex one.
+    BENCHMARK(BM_BlendFunction_EvalArray)->Arg(50)->Arg(90)->Unit(benchmark::kMillisecond);
+
+    /// The curve's height at u by Newton's method on the abscissa, from t = u.
+    double NewtonHeight(double u, double T)
+    {
+        double t = u;
+        for (int i = 0; i < 8; ++i)
+        {
+            const double m = 1.0 - t;
+            const double x = 3.0 * m * m * t * (1.0 - T) + 3.0 * m * t * t * T + t * t * t;
+            const double slope = 3.0 * (1.0 - T) * m * m + 6.0 * (2.0 * T - 1.0) * m * t + 3.0 * (1.0 - T) * t * t;
+            if (std::fabs(slope) < 1e-12)
+                break;
+            t -= (x - u) / slope;
+        }
+        return t * t * (3.0 - 2.0 * t);
+    }
+
+    void BM_NewtonBezier_EvalArray(benchmark::State & state)
+    {
+        const std::vector<double> inputs = UnitInputs();
+        std::vector<double> results(kColors);
+        const double T = state.range(0) / 100.0;
+        for (auto _ : state)
+        {
+            for (int i = 0; i < kColors; ++i)
+                results[i] = NewtonHeight(inputs[i], T);
+            benchmark::DoNotOptimize(results.data());
+        }
+        state.SetItemsProcessed(state.iterations() * kColors);
+    }
+    BENCHMARK(BM_NewtonBezier_EvalArray)->Arg(50)->Arg(90)->Unit(benchmark::kMillisecond);
 }

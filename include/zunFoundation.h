@@ -5,16 +5,19 @@
 #ifndef ZUN_FOUNDATION_H
 #define ZUN_FOUNDATION_H
 
+#include "zunBlendFunction.h"
 #include "zunColor.h"
 #include "zunConfig.h"
 #include "zunException.h"
 #include "zunFastMesh.h"
 #include "zunFlags.h"
+#include "zunInterpolator.h"
 #include "zunMatrix44.h"
 #include "zunMem.h"
 #include "zunPolyTess.h"
 #include "zunQuaternion.h"
 #include "zunRectangle.h"
+#include "zunTimer.h"
 #include "zunToneMap.h"
 #include "zunTypes.h"
 #include "zunUTF.h"

@@ -1,7 +1,9 @@
 // Demo sections of the color family: spaces, paint-like mixing, tone maps.
 #include <zunFoundation.h>
 
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 #include "DemoSection.h"
 
@@ -73,4 +75,50 @@ ZUN_DEMO_SECTION(192, "Tone-map parameters")
     other.SetClampMax(0.99995);
     std::printf("  clamp max 1 vs 0.99995:  %s (the clamp at machine precision)\n",
                 map == other ? "equal" : "different");
+}
+
+ZUN_DEMO_SECTION(193, "Blend curves")
+{
+    std::printf("  u      ");
+    const double tensions[] = {1.0, 0.9, 2.0 / 3.0, 0.5, 0.2, 0.0};
+    for (double tension : tensions)
+        std::printf("  T=%.2f", tension);
+    std::printf("\n");
+    for (double u = 0.0; u <= 1.0001; u += 0.125)
+    {
+        std::printf("  %.3f  ", u);
+        for (double tension : tensions)
+            std::printf("  %6.4f", zunBlendFunction(tension).Eval(u));
+        std::printf("\n");
+    }
+    const zunBlendFunction framed(10.0, 20.0, 100.0, 200.0, 0.5);
+    double inputs[] = {10.0, 12.5, 15.0, 17.5, 20.0};
+    zunFastMesh<double> results;
+    framed.Eval(inputs, 5, results);
+    std::printf("  x 10..20 onto y 100..200 at T 0.5:");
+    for (double y : results)
+        std::printf(" %.2f", y);
+    std::printf("\n");
+}
+
+ZUN_DEMO_SECTION(194, "Interpolators and the timer")
+{
+    const zunInterpolator_Float fade(0.0, 10.0);
+    std::printf("  0 -> 10 at t 0.25 / 0.75: linear %.2f / %.2f, ease 2 %.2f / %.2f\n", fade.Get(0.25, 1.0),
+                fade.Get(0.75, 1.0), fade.Get(0.25, 2.0), fade.Get(0.75, 2.0));
+    const zunInterpolator_Point3 move(zunVector4T<double>(0, 0, 0), zunVector4T<double>(4, 2, -2));
+    zunVector4T<double> point;
+    move.Get(0.5, 3.0, point);
+    std::printf("  point halfway, ease 3: (%.2f, %.2f, %.2f, w %.0f)\n", point.x, point.y, point.z, point.w);
+
+    zunInterpolator_Time time;
+    time.Start(30.0);
+    const double start = zunTimer();
+    std::printf("  a 30 ms run, read every 8 ms:");
+    for (double t = time.Get(); t < 1.0; t = time.Get())
+    {
+        std::printf(" %.2f", t);
+        std::this_thread::sleep_for(std::chrono::milliseconds(8));
+    }
+    std::printf(" 1.00, after %.0f ms of zunTimer\n", zunTimer() - start);
 }

@@ -1,0 +1,71 @@
+// zunInterpolator.h - small value types that run a value between two ends.
+//
+// zunInterpolator_Float, _Point3 and _Rotation share one easing of the
+// parameter t under an exponent `ease`:
+//
+//   ease <= 1:  e = t                               (linear)
+//   t < 0.5:    e = (2t)^ease / 2                   (slow start ...)
+//   otherwise:  e = 1 - (2(1 - t))^ease / 2         (... slow end)
+//
+// t is not clamped: keep it within 0..1, since a power of a negative base is
+// NaN. zunInterpolator_Time delivers such a t from the library's clock.
+//
+//   zunInterpolator_Float fade(0.0, 10.0);
+//   double v = fade.Get(0.25, 2.0);                 // 1.25
+//   zunInterpolator_Time clock;
+//   clock.Start(500.0);                             // half a second
+//   while (clock.Get() < 1.0) Draw(fade.Get(clock.Get(), 2.0));
+//
+// The Get operations change nothing; nothing here reports or throws.
+#ifndef ZUN_INTERPOLATOR_H
+#define ZUN_INTERPOLATOR_H
+
+#include "zunConfig.h"
+#include "zunTypes.h"
+
+/// Runs a number from `start` to `end`.
+struct ZUN_API zunInterpolator_Float
+{
+    /// 0 to 0.
+    zunInterpolator_Float();
+    zunInterpolator_Float(double start, double end);
+
+    /// (end - start) * e + start, with e the eased t.
+    double Get(double t, double ease) const;
+
+    double start;
+    double end;
+};
+
+/// Runs a point from `start` to `end`, component by component.
+struct ZUN_API zunInterpolator_Point3
+{
+    /// Both ends (0, 0, 0, 1).
+    zunInterpolator_Point3();
+    zunInterpolator_Point3(const zunVector4T<double> & start, const zunVector4T<double> & end);
+
+    /// x, y, z of start + (end - start) * e with e the eased t; w is 1.
+    void Get(double t, double ease, zunVector4T<double> & result) const;
+
+    zunVector4T<double> start;
+    zunVector4T<double> end;
+};
+
+/// Runs from 0 to 1 over a duration of the library's clock (zunTimer).
+struct ZUN_API zunInterpolator_Time
+{
+    /// Start time 0, duration 1 ms.
+    zunInterpolator_Time();
+
+    /// Starts now; `duration` in milliseconds.
+    void Start(double duration);
+    /// The elapsed part of the duration, growing from 0 to 1 and staying at 1;
+    /// 1 at once for a duration of exactly 0. Read from the clock each time.
+    /// Before Start it measures from the clock's origin, so it gives 1.
+    double Get() const;
+
+    double startTime; ///< zunTimer() at Start, in milliseconds
+    double duration;  ///< in milliseconds
+};
+
+#endif // ZUN_INTERPOLATOR_H
