@@ -51,6 +51,32 @@ struct ZUN_API zunInterpolator_Point3
     zunVector4T<double> end;
 };
 
+/// Turns a unit direction from `start` towards `end` about their common normal.
+struct ZUN_API zunInterpolator_Rotation
+{
+    /// From (1, 0, 0) to (1, 0, 0) about (0, 0, 1), angle 0.
+    zunInterpolator_Rotation();
+    /// Normalizes `start` and `end` (a vector of length 1e-19 or less is kept as
+    /// it is) and takes the axis from their cross product and the angle from
+    /// their dot product. For parallel or opposite directions (cross product
+    /// shorter than 1e-7) the axis is `fallbackAxis`, normalized, and the angle
+    /// 0 or 180 degrees. The angle is acos(dot) * 57.29577951308, a constant a
+    /// little short of 180 / pi that stored animations depend on.
+    zunInterpolator_Rotation(const zunVector4T<double> & start, const zunVector4T<double> & end,
+                             const zunVector4T<double> & fallbackAxis);
+
+    /// `start` turned about `axis` by e * angle degrees, e the eased t; w is
+    /// that of `start`. Its length stays that of `start`.
+    void Get(double t, double ease, zunVector4T<double> & result) const;
+    /// The whole turn, in degrees.
+    double GetAngle() const { return angle; }
+
+    zunVector4T<double> start;
+    zunVector4T<double> end;
+    zunVector4T<double> axis;
+    double angle; ///< degrees
+};
+
 /// Runs from 0 to 1 over a duration of the library's clock (zunTimer).
 struct ZUN_API zunInterpolator_Time
 {

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Vector3Math.h"
+#include "zunMatrix44.h"
 #include "zunTimer.h"
 
 namespace
@@ -43,6 +45,43 @@ void zunInterpolator_Point3::Get(double t, double ease, zunVector4T<double> & re
     result.y = start.y + (end.y - start.y) * e;
     result.z = start.z + (end.z - start.z) * e;
     result.w = 1.0;
+}
+
+zunInterpolator_Rotation::zunInterpolator_Rotation()
+    : start(1.0, 0.0, 0.0, 1.0), end(1.0, 0.0, 0.0, 1.0), axis(0.0, 0.0, 1.0, 1.0), angle(0.0)
+{
+}
+
+zunInterpolator_Rotation::zunInterpolator_Rotation(const zunVector4T<double> & start_, const zunVector4T<double> & end_,
+                                                   const zunVector4T<double> & fallbackAxis)
+    : start(start_), end(end_), axis(fallbackAxis), angle(0.0)
+{
+    using namespace zunVector3Math;
+    GuardedNormalize(start.x, start.y, start.z);
+    GuardedNormalize(end.x, end.y, end.z);
+    const Vec3 normal = Cross(Of(start), Of(end));
+    const double dot = Dot(Of(start), Of(end));
+    if (1e-7 > Length(normal))
+    {
+        angle = 0.0 > dot ? 180.0 : 0.0;
+        axis = fallbackAxis;
+    }
+    else
+    {
+        axis = zunVector4T<double>(normal.x, normal.y, normal.z, 1.0);
+        // Not 180 / pi: animations were authored with this very factor.
+        angle = std::acos(dot) * 57.29577951308;
+    }
+    GuardedNormalize(axis.x, axis.y, axis.z);
+}
+
+void zunInterpolator_Rotation::Get(double t, double ease, zunVector4T<double> & result) const
+{
+    zunMatrix44 turn;
+    turn.AddRotationVector(axis, Ease(t, ease) * angle, zunVector4T<double>(0.0, 0.0, 0.0, 1.0));
+    // A copy, so that `result` may be this object's own `start`.
+    const zunVector4T<double> from = start;
+    turn.Transform(&from, &result, 1);
 }
 
 zunInterpolator_Time::zunInterpolator_Time() : startTime(0.0), duration(1.0) {}

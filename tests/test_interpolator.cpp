@@ -130,3 +130,104 @@ TEST(Interpolator, TimeGrowsToOneAndStays)
     EXPECT_EQ(time.Get(), 1.0);
     EXPECT_EQ(time.Get(), 1.0);
 }
+
+namespace
+{
+    ::testing::AssertionResult NearVector(const zunVector4T<double> & v, double x, double y, double z, double w,
+                                          double tolerance)
+    {
+        if (std::fabs(v.x - x) <= tolerance && std::fabs(v.y - y) <= tolerance && std::fabs(v.z - z) <= tolerance &&
+            v.w == w)
+            return ::testing::AssertionSuccess();
+        return ::testing::AssertionFailure() << "(" << v.x << ", " << v.y << ", " << v.z << ", " << v.w << ")";
+    }
+}
+
+TEST(InterpolatorRotation, Defaults)
+{
+    const zunInterpolator_Rotation rotation;
+    EXPECT_TRUE(NearVector(rotation.start, 1, 0, 0, 1, 0.0));
+    EXPECT_TRUE(NearVector(rotation.end, 1, 0, 0, 1, 0.0));
+    EXPECT_TRUE(NearVector(rotation.axis, 0, 0, 1, 1, 0.0));
+    EXPECT_EQ(rotation.GetAngle(), 0.0);
+    zunVector4T<double> result(7, 7, 7, 7);
+    rotation.Get(0.5, 1.0, result);
+    EXPECT_TRUE(NearVector(result, 1, 0, 0, 1, 0.0));
+}
+
+TEST(InterpolatorRotation, AngleUsesTheLibrarysDegreeFactor)
+{
+    const zunInterpolator_Rotation rotation(zunVector4T<double>(2, 0, 0), zunVector4T<double>(0, 3, 0),
+                                            zunVector4T<double>(1, 0, 0));
+    EXPECT_TRUE(NearVector(rotation.start, 1, 0, 0, 1, 0.0));
+    EXPECT_TRUE(NearVector(rotation.end, 0, 1, 0, 1, 0.0));
+    EXPECT_TRUE(NearVector(rotation.axis, 0, 0, 1, 1, 0.0));
+    EXPECT_EQ(rotation.GetAngle(), std::acos(0.0) * 57.29577951308);
+    EXPECT_NE(rotation.GetAngle(), std::acos(0.0) * (180.0 / 3.14159265358979323846));
+    EXPECT_NEAR(rotation.GetAngle(), 90.0, 1e-9);
+}
+
+TEST(InterpolatorRotation, GetTurnsTheStartByTheEasedAngle)
+{
+    const zunInterpolator_Rotation rotation(zunVector4T<double>(1, 0, 0, 5.0), zunVector4T<double>(0, 1, 0),
+                                            zunVector4T<double>(1, 0, 0));
+    zunVector4T<double> result;
+    rotation.Get(0.5, 1.0, result);
+    const double half = std::sqrt(0.5);
+    EXPECT_TRUE(NearVector(result, half, half, 0, 5.0, 1e-9)); // the w of start goes along
+    rotation.Get(1.0, 3.0, result);
+    EXPECT_TRUE(NearVector(result, 0, 1, 0, 5.0, 1e-9));
+    // Eased: at t 0.25 with ease 2 the turn is an eighth of the way, 11.25 degrees.
+    rotation.Get(0.25, 2.0, result);
+    const double eighth = rotation.GetAngle() * 0.125 * 3.14159265358979323846 / 180.0;
+    EXPECT_TRUE(NearVector(result, std::cos(eighth), std::sin(eighth), 0, 5.0, 1e-12));
+    const double length = std::sqrt(result.x * result.x + result.y * result.y + result.z * result.z);
+    EXPECT_NEAR(length, 1.0, 1e-15);
+}
+
+TEST(InterpolatorRotation, OppositeDirectionsTakeTheFallbackAxisAndHalfATurn)
+{
+    const zunInterpolator_Rotation rotation(zunVector4T<double>(0, 0, 2), zunVector4T<double>(0, 0, -1),
+                                            zunVector4T<double>(0, 4, 0, 3.0));
+    EXPECT_EQ(rotation.GetAngle(), 180.0);
+    EXPECT_TRUE(NearVector(rotation.axis, 0, 1, 0, 3.0, 0.0)); // fallback, w included, normalized
+    zunVector4T<double> result;
+    rotation.Get(0.5, 1.0, result);
+    EXPECT_TRUE(NearVector(result, 1, 0, 0, 1.0, 1e-12)); // a quarter turn about Y carries Z to X
+    rotation.Get(1.0, 1.0, result);
+    EXPECT_TRUE(NearVector(result, 0, 0, -1, 1.0, 1e-12));
+}
+
+TEST(InterpolatorRotation, EqualDirectionsDoNotTurn)
+{
+    const zunVector4T<double> direction(0.6, 0.0, 0.8);
+    const zunInterpolator_Rotation rotation(direction, direction, zunVector4T<double>(1, 0, 0));
+    EXPECT_EQ(rotation.GetAngle(), 0.0);
+    EXPECT_TRUE(NearVector(rotation.axis, 1, 0, 0, 1, 0.0));
+    zunVector4T<double> result;
+    for (double t : {0.0, 0.3, 1.0})
+    {
+        rotation.Get(t, 2.0, result);
+        EXPECT_TRUE(NearVector(result, rotation.start.x, rotation.start.y, rotation.start.z, rotation.start.w, 0.0));
+    }
+}
+
+TEST(InterpolatorRotation, TinyVectorsAreKeptAsTheyAre)
+{
+    // Lengths of 1e-19 or less are not normalized; their cross product is far
+    // below 1e-7, so the pair counts as parallel.
+    const zunInterpolator_Rotation rotation(zunVector4T<double>(1e-20, 0, 0), zunVector4T<double>(0, 1e-20, 0),
+                                            zunVector4T<double>(0, 0, 0));
+    EXPECT_EQ(rotation.start.x, 1e-20);
+    EXPECT_EQ(rotation.end.y, 1e-20);
+    EXPECT_EQ(rotation.GetAngle(), 0.0);
+    EXPECT_TRUE(NearVector(rotation.axis, 0, 0, 0, 1, 0.0)); // a zero fallback stays zero
+}
+
+TEST(InterpolatorRotation, ResultMayBeTheObjectsOwnStart)
+{
+    zunInterpolator_Rotation rotation(zunVector4T<double>(1, 0, 0), zunVector4T<double>(0, 1, 0),
+                                      zunVector4T<double>(1, 0, 0));
+    rotation.Get(1.0, 1.0, rotation.start);
+    EXPECT_TRUE(NearVector(rotation.start, 0, 1, 0, 1, 1e-9));
+}

@@ -111,6 +111,16 @@ ZUN_DEMO_SECTION(194, "Interpolators and the timer")
     move.Get(0.5, 3.0, point);
     std::printf("  point halfway, ease 3: (%.2f, %.2f, %.2f, w %.0f)\n", point.x, point.y, point.z, point.w);
 
+    const zunInterpolator_Rotation turn(zunVector4T<double>(1, 0, 0), zunVector4T<double>(0, 1, 1),
+                                        zunVector4T<double>(0, 0, 1));
+    std::printf("  X towards (0, 1, 1): %.12f degrees about (%.3f, %.3f, %.3f)\n", turn.GetAngle(), turn.axis.x,
+                turn.axis.y, turn.axis.z);
+    for (double t : {0.25, 0.5, 1.0})
+    {
+        turn.Get(t, 2.0, point);
+        std::printf("    t %.2f, ease 2: (%.3f, %.3f, %.3f)\n", t, point.x, point.y, point.z);
+    }
+
     zunInterpolator_Time time;
     time.Start(30.0);
     const double start = zunTimer();
