@@ -2,6 +2,7 @@
 // family that has landed; exits non-zero if anything is off.
 #include <zunFoundation.h>
 
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 
@@ -57,6 +58,8 @@ int main()
     failures += counter.vertices != 3;
 
     failures += zunColor::Red().GetRGBA32() != 0xFF0000FFu;
+    failures += std::fabs(zunBlendFunction(0.5).Eval(0.25) - 0.1059) > 0.0001;
+    failures += zunInterpolator_Float(0.0, 10.0).Get(0.25, 2.0) != 1.25;
     zunToneMap toneMap;
     failures += !toneMap.SetStandardGamma(2.2) || toneMap.GetStandardGamma() != 2.2;
 
