@@ -90,12 +90,14 @@ namespace
         Eigen::Affine3f affine(Eigen::Matrix4d(Eigen::Map<const Eigen::Matrix4d>(Placement().m)).cast<float>());
         for (auto _ : state)
         {
+            // The linear block, then the translation added to every column
+            // (Eigen's fastest form here; Affine3f * points is slower).
             if constexpr (Rows == 3)
-                to.noalias() = affine * from;
+                to.noalias() = (affine.linear() * from).colwise() + affine.translation();
             else
             {
-                // The affine block on x, y, z; the fourth element is copied.
-                to.template topRows<3>().noalias() = affine * from.template topRows<3>();
+                to.template topRows<3>().noalias() =
+                    (affine.linear() * from.template topRows<3>()).colwise() + affine.translation();
                 to.row(3) = from.row(3);
             }
             benchmark::ClobberMemory();
@@ -158,7 +160,7 @@ namespace
         Eigen::Affine3d affine(Eigen::Map<const Eigen::Matrix4d>(Placement().m));
         for (auto _ : state)
         {
-            to.topRows<3>().noalias() = affine * from.topRows<3>();
+            to.topRows<3>().noalias() = (affine.linear() * from.topRows<3>()).colwise() + affine.translation();
             to.row(3) = from.row(3);
             benchmark::ClobberMemory();
         }

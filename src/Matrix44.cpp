@@ -8,6 +8,8 @@
 
 #include <cmath>
 
+#include "CpuClones.h"
+#include "Double4.h"
 #include "Vector3Math.h"
 #include "zunMem.h"
 
@@ -89,6 +91,14 @@ namespace
         return kNormalizeFloor > length ? v : Scaled(v, 1.0 / length);
     }
 
+    /// One column of a product, held in locals until it is stored.
+    struct Column
+    {
+        double r0, r1, r2, r3;
+
+        void StoreTo(double * to) const { to[0] = r0, to[1] = r1, to[2] = r2, to[3] = r3; }
+    };
+
     void SetColumn(double * column, const Vec3 & v)
     {
         column[0] = v.x;
@@ -113,35 +123,50 @@ zunMatrix44 & zunMatrix44::SetIdentity()
     return *this;
 }
 
-zunMatrix44 & zunMatrix44::MulMtx(const zunMatrix44 & b)
+namespace
 {
-    if (&b == this)
+    /// M <- M·B for a B that is not M: all of A is held in locals first, and
+    /// each new element is the same sum in the same order as row by row. Whole
+    /// columns formed side by side let the compiler keep them in vector
+    /// registers.
+    ZUN_CPU_CLONES void MultiplyDistinct(double * __restrict m, const double * __restrict b)
     {
-        // The documented row-by-row product as its elements fall: each row of
-        // A is read into locals, then its four new elements are written, and
-        // later rows read B after earlier rows changed it. Kept for callers
-        // that rely on what that gives; it is not the square.
+        const double a0 = m[0], a1 = m[1], a2 = m[2], a3 = m[3], a4 = m[4], a5 = m[5], a6 = m[6], a7 = m[7];
+        const double a8 = m[8], a9 = m[9], a10 = m[10], a11 = m[11], a12 = m[12], a13 = m[13], a14 = m[14], a15 = m[15];
+        const auto column = [&](const double * p)
+        {
+            return Column{
+                a0 * p[0] + a4 * p[1] + a8 * p[2] + a12 * p[3], a1 * p[0] + a5 * p[1] + a9 * p[2] + a13 * p[3],
+                a2 * p[0] + a6 * p[1] + a10 * p[2] + a14 * p[3], a3 * p[0] + a7 * p[1] + a11 * p[2] + a15 * p[3]};
+        };
+        const Column c0 = column(b), c1 = column(b + 4), c2 = column(b + 8), c3 = column(b + 12);
+        c0.StoreTo(m);
+        c1.StoreTo(m + 4);
+        c2.StoreTo(m + 8);
+        c3.StoreTo(m + 12);
+    }
+
+    /// M <- M·M as the row-by-row product falls: each row of A is read into
+    /// locals, then its four new elements are written, and later rows read B
+    /// after earlier rows changed it. Kept for callers that rely on what that
+    /// gives; it is not the square.
+    __attribute__((noinline)) void MultiplyByItself(double * m)
+    {
         for (int r = 0; r < 4; ++r)
         {
             const double a0 = m[r], a1 = m[4 + r], a2 = m[8 + r], a3 = m[12 + r];
             for (int c = 0; c < 4; ++c)
-                m[4 * c + r] = a0 * b.m[4 * c] + a1 * b.m[4 * c + 1] + a2 * b.m[4 * c + 2] + a3 * b.m[4 * c + 3];
+                m[4 * c + r] = a0 * m[4 * c] + a1 * m[4 * c + 1] + a2 * m[4 * c + 2] + a3 * m[4 * c + 3];
         }
-        return *this;
     }
+}
 
-    // B is another matrix, so all of A can be held in locals first; each new
-    // element is the same sum in the same order as row by row, and the
-    // columns leave the compiler free to keep whole rows in vector registers.
-    double a[16];
-    for (int i = 0; i < 16; ++i)
-        a[i] = m[i];
-    for (int c = 0; c < 4; ++c)
-    {
-        const double b0 = b.m[4 * c], b1 = b.m[4 * c + 1], b2 = b.m[4 * c + 2], b3 = b.m[4 * c + 3];
-        for (int r = 0; r < 4; ++r)
-            m[4 * c + r] = a[r] * b0 + a[4 + r] * b1 + a[8 + r] * b2 + a[12 + r] * b3;
-    }
+zunMatrix44 & zunMatrix44::MulMtx(const zunMatrix44 & b)
+{
+    if (&b == this)
+        MultiplyByItself(m);
+    else
+        MultiplyDistinct(m, b.m);
     return *this;
 }
 
@@ -476,52 +501,57 @@ bool zunMatrix44::Invert(zunMatrix44 & out) const
     return true;
 }
 
+namespace
+{
+    /// The full inverse by cofactors from 2 by 2 minors, with no pivoting,
+    /// into `out` (which may be `m`: everything is read before the first
+    /// store). With a_rc = m[4c + r], the inverse's column c is row c of the
+    /// cofactor matrix K over the determinant, which expands along the first
+    /// row of A. The rows of A and K are handled whole: a cofactor is
+    /// x·p - y·q + z·r with x, y, z from one row of A and p, q, r minors of the
+    /// two rows that do not hold it, and its sign is applied to the sum (a
+    /// negation is exact). False, with nothing written, for a determinant of
+    /// exactly 0.0.
+    ZUN_CPU_CLONES bool InvertByCofactors(const double * m, double * out)
+    {
+        using namespace zunDouble4;
+        const Double4 r0 = Make(m[0], m[4], m[8], m[12]), r1 = Make(m[1], m[5], m[9], m[13]);
+        const Double4 r2 = Make(m[2], m[6], m[10], m[14]), r3 = Make(m[3], m[7], m[11], m[15]);
+        // The three arrangements of a row that the cofactors of a row take.
+        const Double4 x0 = Swizzle<1, 0, 0, 0>(r0), y0 = Swizzle<2, 2, 1, 1>(r0), z0 = Swizzle<3, 3, 3, 2>(r0);
+        const Double4 x1 = Swizzle<1, 0, 0, 0>(r1), y1 = Swizzle<2, 2, 1, 1>(r1), z1 = Swizzle<3, 3, 3, 2>(r1);
+        const Double4 x2 = Swizzle<1, 0, 0, 0>(r2), y2 = Swizzle<2, 2, 1, 1>(r2), z2 = Swizzle<3, 3, 3, 2>(r2);
+        const Double4 x3 = Swizzle<1, 0, 0, 0>(r3), y3 = Swizzle<2, 2, 1, 1>(r3), z3 = Swizzle<3, 3, 3, 2>(r3);
+
+        // Minors a_ua·a_vb - a_va·a_ub of rows u, v over the column pairs ab
+        // that each lane needs: p over (23, 23, 13, 12), q over (13, 03, 03,
+        // 02), r over (12, 02, 01, 01).
+        const Double4 lowP = y2 * z3 - y3 * z2, lowQ = x2 * z3 - x3 * z2, lowR = x2 * y3 - x3 * y2;
+        const Double4 upP = y0 * z1 - y1 * z0, upQ = x0 * z1 - x1 * z0, upR = x0 * y1 - x1 * y0;
+
+        const Double4 sign = Make(1.0, -1.0, 1.0, -1.0);
+        const Double4 k0 = (x1 * lowP - y1 * lowQ + z1 * lowR) * sign;
+        const double d = m[0] * k0[0] + m[4] * k0[1] + m[8] * k0[2] + m[12] * k0[3];
+        if (d == 0.0)
+            return false;
+        const double f = 1.0 / d;
+        const Double4 k1 = (x0 * lowP - y0 * lowQ + z0 * lowR) * -sign;
+        const Double4 k2 = (x3 * upP - y3 * upQ + z3 * upR) * sign;
+        const Double4 k3 = (x2 * upP - y2 * upQ + z2 * upR) * -sign;
+        Store(out, k0 * f);
+        Store(out + 4, k1 * f);
+        Store(out + 8, k2 * f);
+        Store(out + 12, k3 * f);
+        return true;
+    }
+}
+
 bool zunMatrix44::InvertGeneral(zunMatrix44 & out) const
 {
-    // Cofactors from the 2 by 2 minors of the upper two rows (s) and of the
-    // lower two rows (c), with a_rc = m[4c + r]; no pivoting.
-    const double a00 = m[0], a01 = m[4], a02 = m[8], a03 = m[12];
-    const double a10 = m[1], a11 = m[5], a12 = m[9], a13 = m[13];
-    const double a20 = m[2], a21 = m[6], a22 = m[10], a23 = m[14];
-    const double a30 = m[3], a31 = m[7], a32 = m[11], a33 = m[15];
-
-    const double s0 = a00 * a11 - a10 * a01, s1 = a00 * a12 - a10 * a02, s2 = a00 * a13 - a10 * a03;
-    const double s3 = a01 * a12 - a11 * a02, s4 = a01 * a13 - a11 * a03, s5 = a02 * a13 - a12 * a03;
-    const double c0 = a20 * a31 - a30 * a21, c1 = a20 * a32 - a30 * a22, c2 = a20 * a33 - a30 * a23;
-    const double c3 = a21 * a32 - a31 * a22, c4 = a21 * a33 - a31 * a23, c5 = a22 * a33 - a32 * a23;
-
-    // Cofactors of the first row; the determinant expands along it.
-    const double k00 = a11 * c5 - a12 * c4 + a13 * c3;
-    const double k01 = -(a10 * c5 - a12 * c2 + a13 * c1);
-    const double k02 = a10 * c4 - a11 * c2 + a13 * c0;
-    const double k03 = -(a10 * c3 - a11 * c1 + a12 * c0);
-    const double d = a00 * k00 + a01 * k01 + a02 * k02 + a03 * k03;
-    if (d == 0.0)
-    {
-        out.SetIdentity();
-        return false;
-    }
-    const double f = 1.0 / d;
-
-    const double k10 = -(a01 * c5 - a02 * c4 + a03 * c3);
-    const double k11 = a00 * c5 - a02 * c2 + a03 * c1;
-    const double k12 = -(a00 * c4 - a01 * c2 + a03 * c0);
-    const double k13 = a00 * c3 - a01 * c1 + a02 * c0;
-    const double k20 = a31 * s5 - a32 * s4 + a33 * s3;
-    const double k21 = -(a30 * s5 - a32 * s2 + a33 * s1);
-    const double k22 = a30 * s4 - a31 * s2 + a33 * s0;
-    const double k23 = -(a30 * s3 - a31 * s1 + a32 * s0);
-    const double k30 = -(a21 * s5 - a22 * s4 + a23 * s3);
-    const double k31 = a20 * s5 - a22 * s2 + a23 * s1;
-    const double k32 = -(a20 * s4 - a21 * s2 + a23 * s0);
-    const double k33 = a20 * s3 - a21 * s1 + a22 * s0;
-
-    // The inverse is the transposed cofactor matrix over d: element (r, c) of
-    // the inverse is the cofactor of a_cr, stored at m[4c + r].
-    const double inverse[16] = {k00, k01, k02, k03, k10, k11, k12, k13, k20, k21, k22, k23, k30, k31, k32, k33};
-    for (int i = 0; i < 16; ++i)
-        out.m[i] = inverse[i] * f;
-    return true;
+    if (InvertByCofactors(m, out.m))
+        return true;
+    out.SetIdentity();
+    return false;
 }
 
 zunMatrix44 & zunMatrix44::Transpose()
