@@ -164,6 +164,21 @@ TEST(Quaternion, ProductOfTwoGeneralQuaternions)
     ExpectNear((a * b) * Q(0.5, -1.0, 2.0, 0.25), a * (b * Q(0.5, -1.0, 2.0, 0.25)), 1e-12);
 }
 
+TEST(Quaternion, ProductIsTheHamiltonFormulaToTheBit)
+{
+    std::mt19937 random(19);
+    std::uniform_real_distribution<double> value(-10.0, 10.0);
+    for (int n = 0; n < 1000; ++n)
+    {
+        const Q x(value(random), value(random), value(random), value(random));
+        const Q y(value(random), value(random), value(random), value(random));
+        ExpectEqual(x * y, x.r() * y.r() - x.i() * y.i() - x.j() * y.j() - x.k() * y.k(),
+                    x.r() * y.i() + x.i() * y.r() + x.j() * y.k() - x.k() * y.j(),
+                    x.r() * y.j() - x.i() * y.k() + x.j() * y.r() + x.k() * y.i(),
+                    x.r() * y.k() + x.i() * y.j() - x.j() * y.i() + x.k() * y.r());
+    }
+}
+
 TEST(Quaternion, RightDivisionUndoesTheProduct)
 {
     ExpectNear((a * b) / b, a, 1e-14);
