@@ -17,6 +17,7 @@
 #include "zunPolyTess.h"
 #include "zunQuaternion.h"
 #include "zunRectangle.h"
+#include "zunSlerp.h"
 #include "zunTimer.h"
 #include "zunToneMap.h"
 #include "zunTypes.h"
