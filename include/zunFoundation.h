@@ -5,12 +5,14 @@
 #ifndef ZUN_FOUNDATION_H
 #define ZUN_FOUNDATION_H
 
+#include "zunBBox.h"
 #include "zunBlendFunction.h"
 #include "zunColor.h"
 #include "zunConfig.h"
 #include "zunException.h"
 #include "zunFastMesh.h"
 #include "zunFlags.h"
+#include "zunGeometry.h"
 #include "zunInterpolator.h"
 #include "zunMatrix44.h"
 #include "zunMem.h"

@@ -30,6 +30,8 @@
 #include "zunConfig.h"
 #include "zunTypes.h"
 
+class zunBBox;
+
 /// Two directions and an origin, a frame that zunMatrix44::Transform(zunAxes &)
 /// carries through a matrix. Fields in this order: first direction, second
 /// direction, origin.
@@ -227,6 +229,13 @@ public:
     /// The origin as a point, the two directions as directions, each then given
     /// the guarded normalization.
     void Transform(zunAxes & axes) const;
+    /// The box around the transformed `source` (it grows under rotation),
+    /// written to `target`, which may be `source`. An invalid source (inverted
+    /// by more than 1.0 on an axis) leaves the target as it was, not cleared.
+    /// Defined with zunBBox (zunBBox.h).
+    void Transform(const zunBBox & source, zunBBox * target) const;
+    /// The same with the box as both source and target.
+    void Transform(zunBBox & box) const;
     /// The point transformed; its w passes through unchanged.
     zunVector4T<double> operator()(zunVector4T<double> point) const;
 

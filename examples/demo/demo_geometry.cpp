@@ -1,6 +1,7 @@
 // Demo sections of the geometry family: rectangles and polygon tessellation.
 #include <zunFoundation.h>
 
+#include <cmath>
 #include <cstdio>
 #include <vector>
 
@@ -12,6 +13,12 @@ namespace
     {
         std::printf("  %-34s (%g, %g, %g, %g)\n", label, double(r.left), double(r.top), double(r.width),
                     double(r.height));
+    }
+
+    /// A coordinate without its rounding dust, so that -1e-17 prints as 0.
+    double Rounded(double v)
+    {
+        return std::fabs(v) < 1e-12 ? 0.0 : v;
     }
 
     /// Prints the primitives GLU hands back, by corner name.
@@ -79,4 +86,67 @@ ZUN_DEMO_SECTION(211, "Polygon tessellation")
         error |= tess.Vertex(corners[i], const_cast<char *>(names[i]));
     error |= tess.EndPolygon(); // the primitives are printed in here
     std::printf("  %d triangles, OpenGL errors: %s\n", printer.triangles, error ? "yes" : "none");
+}
+
+ZUN_DEMO_SECTION(212, "Bounding boxes")
+{
+    typedef zunVector4T<double> V4;
+    zunBBox box;
+    std::printf("  a fresh box is cleared: invalid %s, min.x %g, max.x %g\n", box.IsInvalid() ? "yes" : "no", box.min.x,
+                box.max.x);
+    V4 corners[3] = {V4(0, 0, 0), V4(2, 1, 0), V4(1, 3, 1)};
+    box.Extend(corners, 3, nullptr);
+    std::printf("  after three points: (%g, %g, %g) - (%g, %g, %g), diagonal %.4f\n", box.min.x, box.min.y, box.min.z,
+                box.max.x, box.max.y, box.max.z, box.GetDiagonal());
+
+    zunMatrix44 turn;
+    turn.AddTranslation(V4(10, 0, 0)).AddRotation(V4(0, 0, 45), V4(0, 0, 0));
+    zunBBox turned;
+    turn.Transform(box, &turned);
+    std::printf("  under a 45 degree turn and a move by 10 along x it grows:\n"
+                "    (%.3f, %.3f, %.3f) - (%.3f, %.3f, %.3f)\n",
+                turned.min.x, turned.min.y, turned.min.z, turned.max.x, turned.max.y, turned.max.z);
+
+    zunBBox other;
+    other.Set(V4(2, 0, 0), V4(4, 4, 4));
+    zunBBox common = box;
+    bool overlap = common.Intersect(other);
+    std::printf("  touching in a face: Intersect says %s and leaves a flat box, DX = %g\n", overlap ? "true" : "false",
+                common.DX());
+    zunBBox inverted;
+    inverted.Set(V4(1, 1, 1), V4(0.5, 0.5, 0.5));
+    std::printf("  a box inverted by 0.5 still counts as valid (%s), DX = %g\n", inverted.IsInvalid() ? "no" : "yes",
+                inverted.DX());
+    double low = 0, high = 0;
+    box.GetExtentAlongRay(zunRay(V4(-5, 0, 0), V4(2, 0, 0)), low, high);
+    std::printf("  along a ray from (-5, 0, 0) stepping (2, 0, 0) it spans t = %g .. %g\n", low, high);
+}
+
+ZUN_DEMO_SECTION(213, "Geometry queries")
+{
+    typedef zunVector4T<double> V4;
+    V4 first, second;
+    if (zunIntersectLineSphere(V4(0, 0, 0), 2, V4(-5, 0, 0), V4(2, 0, 0), first, second))
+        std::printf("  line through a sphere of radius 2: enters at x = %g, leaves at x = %g\n", second.x, first.x);
+
+    double tp = 0, tq = 0;
+    V4 middle;
+    zunIntersect3DLines(V4(0, 0, 0), V4(1, 0, 0), V4(5, 1, 1), V4(0, 1, 0), &tp, &tq, &middle);
+    std::printf("  two skew lines: tp = %g, tq = %g, middle of the gap (%g, %g, %g)\n", tp, tq, middle.x, middle.y,
+                middle.z);
+
+    V4 center;
+    double radius = 0;
+    if (zunCircleThru3Pts(V4(1, 0, 0), V4(0, 1, 0), V4(-1, 0, 0), &center, &radius))
+        std::printf("  circle through (1,0,0) (0,1,0) (-1,0,0): center (%.0f, %.0f, %.0f), radius %g\n",
+                    Rounded(center.x), Rounded(center.y), Rounded(center.z), radius);
+
+    V4 hit;
+    bool inside = zunIntersectLineTriangle(V4(0.2, 0.2, 1), V4(0, 0, -1), V4(0, 0, 0), V4(1, 0, 0), V4(0, 1, 0), hit);
+    std::printf("  line onto a triangle: plane hit (%g, %g, %g); the bool says %s, so callers read the point\n", hit.x,
+                hit.y, hit.z, inside ? "true" : "false");
+
+    const zunVector2T<double> curve[] = {{0, 0}, {1, 10}, {2, 0}, {3, 5}};
+    std::printf("  piecewise-linear table at 0.5, 2.5 and 9: %g, %g, %g\n", zunInterpolatePWL(curve, 4, 0.5),
+                zunInterpolatePWL(curve, 4, 2.5), zunInterpolatePWL(curve, 4, 9));
 }
