@@ -63,6 +63,18 @@ int main()
     zunToneMap toneMap;
     failures += !toneMap.SetStandardGamma(2.2) || toneMap.GetStandardGamma() != 2.2;
 
+    zunBBox box;
+    box.Extend(zunVector4T<double>(1, 2, 3));
+    box.Extend(zunVector4T<double>(3, 2, 1));
+    zunMatrix44 move;
+    move.AddTranslation(zunVector4T<double>(1, 0, 0));
+    move.Transform(box);
+    failures += box.min.x != 2.0 || box.DX() != 2.0 || box.IsInvalid();
+    zunVector4T<double> first, second;
+    failures += !zunIntersectLineSphere(zunVector4T<double>(0, 0, 0), 2, zunVector4T<double>(-5, 0, 0),
+                                        zunVector4T<double>(2, 0, 0), first, second);
+    failures += first.x != 2.0;
+
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
 }
