@@ -9,6 +9,7 @@
 #include "zunBlendFunction.h"
 #include "zunColor.h"
 #include "zunConfig.h"
+#include "zunDebug.h"
 #include "zunException.h"
 #include "zunFastMesh.h"
 #include "zunFlags.h"
