@@ -21,6 +21,7 @@
 #include "zunQuaternion.h"
 #include "zunRectangle.h"
 #include "zunSlerp.h"
+#include "zunSystem.h"
 #include "zunTimer.h"
 #include "zunToneMap.h"
 #include "zunTypes.h"

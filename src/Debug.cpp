@@ -113,7 +113,8 @@ namespace zunDebug
     {
         void * SetMemBreak(void * thread, MemBreak_Type type, MemBreak_Size size, void * address)
         {
-            MemBreakRecord * record = new (std::nothrow) MemBreakRecord{address, thread, type, size, nullptr, 0, 0, false};
+            MemBreakRecord * record =
+                new (std::nothrow) MemBreakRecord{address, thread, type, size, nullptr, 0, 0, false};
             if (record == nullptr)
                 return nullptr;
             RunWorker(record);

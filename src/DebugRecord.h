@@ -11,14 +11,14 @@ namespace zunDebugPrivate
 {
     struct MemBreakRecord
     {
-        void * address;                       ///< the watched address
-        void * thread;                        ///< the thread handle as the caller gave it
+        void * address; ///< the watched address
+        void * thread;  ///< the thread handle as the caller gave it
         zunDebug::Windows::MemBreak_Type type;
         zunDebug::Windows::MemBreak_Size size;
-        void * done;                          ///< the worker while a call runs; null outside a call
-        unsigned int slot;                    ///< debug register in use, 0 to 3
-        unsigned int remove;                  ///< 0 when setting, 1 when removing
-        bool succeeded;                       ///< the worker's result
+        void * done;         ///< the worker while a call runs; null outside a call
+        unsigned int slot;   ///< debug register in use, 0 to 3
+        unsigned int remove; ///< 0 when setting, 1 when removing
+        bool succeeded;      ///< the worker's result
     };
 }
 

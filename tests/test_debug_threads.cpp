@@ -28,26 +28,29 @@ namespace
     alignas(8) volatile std::uint64_t g_watched[8];
 
     // Whether this machine lets a process watch its own memory at all; where it
-    // does not, every SetMemBreak must give null.
+    // does not, every SetMemBreak must give null. Asked before any test runs,
+    // while all four registers of the thread are free.
+    const bool g_kernelOffersWatchpoints = []
+    {
+        perf_event_attr attributes;
+        std::memset(&attributes, 0, sizeof(attributes));
+        attributes.type = PERF_TYPE_BREAKPOINT;
+        attributes.size = sizeof(attributes);
+        attributes.bp_type = HW_BREAKPOINT_W;
+        attributes.bp_addr = reinterpret_cast<std::uintptr_t>(&g_watched[7]);
+        attributes.bp_len = HW_BREAKPOINT_LEN_8;
+        attributes.exclude_kernel = 1;
+        attributes.exclude_hv = 1;
+        const long descriptor = syscall(SYS_perf_event_open, &attributes, 0, -1, -1, 0);
+        if (descriptor < 0)
+            return false;
+        close(static_cast<int>(descriptor));
+        return true;
+    }();
+
     bool KernelOffersWatchpoints()
     {
-        static const bool offered = [] {
-            perf_event_attr attributes;
-            std::memset(&attributes, 0, sizeof(attributes));
-            attributes.type = PERF_TYPE_BREAKPOINT;
-            attributes.size = sizeof(attributes);
-            attributes.bp_type = HW_BREAKPOINT_W;
-            attributes.bp_addr = reinterpret_cast<std::uintptr_t>(&g_watched[7]);
-            attributes.bp_len = HW_BREAKPOINT_LEN_8;
-            attributes.exclude_kernel = 1;
-            attributes.exclude_hv = 1;
-            const long descriptor = syscall(SYS_perf_event_open, &attributes, 0, -1, -1, 0);
-            if (descriptor < 0)
-                return false;
-            close(static_cast<int>(descriptor));
-            return true;
-        }();
-        return offered;
+        return g_kernelOffersWatchpoints;
     }
 
     unsigned int SlotOf(void * handle)
@@ -150,15 +153,17 @@ TEST(MemBreak, AnotherThreadIsWatchedAndHasItsOwnRegisters)
     std::condition_variable changed;
     long threadId = 0;
     bool go = false;
-    std::thread other([&] {
+    std::thread other(
+        [&]
         {
-            std::unique_lock<std::mutex> hold(lock);
-            threadId = zunPlatform::CurrentThreadId();
-            changed.notify_all();
-            changed.wait(hold, [&] { return go; });
-        }
-        g_watched[6] = 42;
-    });
+            {
+                std::unique_lock<std::mutex> hold(lock);
+                threadId = zunPlatform::CurrentThreadId();
+                changed.notify_all();
+                changed.wait(hold, [&] { return go; });
+            }
+            g_watched[6] = 42;
+        });
     {
         std::unique_lock<std::mutex> hold(lock);
         changed.wait(hold, [&] { return threadId != 0; });
@@ -261,7 +266,8 @@ TEST(MemBreak, SizesCoverTheirBytes)
 {
     if (!KernelOffersWatchpoints())
     {
-        EXPECT_EQ(WatchWrites(const_cast<std::uint64_t *>(&g_watched[0]), Windows::MemBreak_1Byte), nullptr); // the system refuses: null, as documented
+        EXPECT_EQ(WatchWrites(const_cast<std::uint64_t *>(&g_watched[0]), Windows::MemBreak_1Byte),
+                  nullptr); // the system refuses: null, as documented
         return;
     }
     volatile unsigned char * bytes = reinterpret_cast<volatile unsigned char *>(&g_watched[0]);
@@ -294,8 +300,8 @@ TEST(MemBreak, RefusedArmingGivesNullAndKeepsTheRegisterFree)
                                     Windows::MemBreak_4Bytes);
     EXPECT_EQ(misaligned, nullptr);
     // No such thread.
-    EXPECT_EQ(Windows::SetMemBreak(Windows::ThreadHandle(0x7FFFFFF0), Windows::MemBreak_Write,
-                                   Windows::MemBreak_8Bytes, const_cast<std::uint64_t *>(&g_watched[0])),
+    EXPECT_EQ(Windows::SetMemBreak(Windows::ThreadHandle(0x7FFFFFF0), Windows::MemBreak_Write, Windows::MemBreak_8Bytes,
+                                   const_cast<std::uint64_t *>(&g_watched[0])),
               nullptr);
     void * handle = WatchWrites(const_cast<std::uint64_t *>(&g_watched[0]));
     if (!KernelOffersWatchpoints())

@@ -101,7 +101,8 @@ namespace zunPlatform
                 attributes.sigtrap = 1;
                 attributes.remove_on_exec = 1;
                 attributes.sig_data = address;
-                const long descriptor = syscall(SYS_perf_event_open, &attributes, threadId, -1, -1, PERF_FLAG_FD_CLOEXEC);
+                const long descriptor =
+                    syscall(SYS_perf_event_open, &attributes, threadId, -1, -1, PERF_FLAG_FD_CLOEXEC);
                 if (descriptor >= 0)
                     return static_cast<int>(descriptor);
                 // Kernels before 5.13 know no signal on hit: count only.
