@@ -3,9 +3,9 @@
 
 #include "CursorHiding.h"
 #include "KeyTable.h"
+#include "SystemPrivate.h"
 #include "platform/Display.h"
 #include "platform/Processes.h"
-#include "SystemPrivate.h"
 
 namespace
 {

@@ -98,18 +98,19 @@ TEST(CommandLine, QuotedPathAloneIsOneArgument)
 
 TEST(CommandLine, ArgumentsFollowTheRulesOfBackslashesAndQuotes)
 {
-    auto split = [](const char * arguments) {
+    auto split = [](const char * arguments)
+    {
         Arguments all = zunPlatform::SplitCommandLine((std::string("p ") + arguments).c_str());
         return Arguments(all.begin() + 1, all.end());
     };
     EXPECT_EQ(split("a  b\t\tc"), (Arguments{"a", "b", "c"}));
     EXPECT_EQ(split("\"a b\" c"), (Arguments{"a b", "c"}));
-    EXPECT_EQ(split("a\\\\b"), (Arguments{"a\\\\b"}));               // backslashes before no quote
-    EXPECT_EQ(split("a\\\"b"), (Arguments{"a\"b"}));                 // 2n+1 before a quote
-    EXPECT_EQ(split("a\\\\\"b c\""), (Arguments{"a\\b c"}));          // 2n before a quote
-    EXPECT_EQ(split("a\\\\\\\"b"), (Arguments{"a\\\"b"}));           // three: one and a quote
-    EXPECT_EQ(split("\"a\"\"b\" c"), (Arguments{"a\"b", "c"}));       // "" inside a group
-    EXPECT_EQ(split("\"\""), (Arguments{""}));                        // an empty argument
+    EXPECT_EQ(split("a\\\\b"), (Arguments{"a\\\\b"}));          // backslashes before no quote
+    EXPECT_EQ(split("a\\\"b"), (Arguments{"a\"b"}));            // 2n+1 before a quote
+    EXPECT_EQ(split("a\\\\\"b c\""), (Arguments{"a\\b c"}));    // 2n before a quote
+    EXPECT_EQ(split("a\\\\\\\"b"), (Arguments{"a\\\"b"}));      // three: one and a quote
+    EXPECT_EQ(split("\"a\"\"b\" c"), (Arguments{"a\"b", "c"})); // "" inside a group
+    EXPECT_EQ(split("\"\""), (Arguments{""}));                  // an empty argument
     EXPECT_EQ(split("\"unterminated group"), (Arguments{"unterminated group"}));
     EXPECT_EQ(split("ab\"c d\"e f"), (Arguments{"abc de", "f"}));
     EXPECT_EQ(split("\\\\server\\share"), (Arguments{"\\\\server\\share"}));
@@ -434,12 +435,12 @@ namespace
 TEST(KeyTable, PristineRowsAreTheLibraryKeys)
 {
     const Row rows[] = {
-        {0, 0, 0, 0},        {1, 15, 255, 0},     {16, 25, 0x30, 1},   {26, 32, 255, 0},   {33, 58, 0x41, 1},
-        {59, 69, 255, 0},    {70, 70, 0x0D, 0},   {71, 71, 0x09, 0},   {72, 72, 0x20, 0},  {73, 73, 0x2E, 0},
-        {74, 74, 0x08, 0},   {75, 75, 0x1B, 0},   {76, 76, 0x5B, 0},   {77, 77, 0xA0, 0},  {78, 78, 0xA4, 0},
-        {79, 79, 0xA2, 0},   {80, 80, 0x5C, 0},   {81, 81, 0xA1, 0},   {82, 82, 0xA5, 0},  {83, 83, 0xA3, 0},
-        {84, 84, 0, 0},      {85, 85, 0x10, 0},   {86, 86, 0x12, 0},   {87, 87, 0x11, 0},  {88, 88, 0x14, 0},
-        {89, 89, 0, 0},      {90, 90, 0xAF, 0},   {91, 91, 0xAE, 0},   {92, 92, 0xAD, 0},  {93, 112, 0x70, 1},
+        {0, 0, 0, 0},        {1, 15, 255, 0},     {16, 25, 0x30, 1},   {26, 32, 255, 0},    {33, 58, 0x41, 1},
+        {59, 69, 255, 0},    {70, 70, 0x0D, 0},   {71, 71, 0x09, 0},   {72, 72, 0x20, 0},   {73, 73, 0x2E, 0},
+        {74, 74, 0x08, 0},   {75, 75, 0x1B, 0},   {76, 76, 0x5B, 0},   {77, 77, 0xA0, 0},   {78, 78, 0xA4, 0},
+        {79, 79, 0xA2, 0},   {80, 80, 0x5C, 0},   {81, 81, 0xA1, 0},   {82, 82, 0xA5, 0},   {83, 83, 0xA3, 0},
+        {84, 84, 0, 0},      {85, 85, 0x10, 0},   {86, 86, 0x12, 0},   {87, 87, 0x11, 0},   {88, 88, 0x14, 0},
+        {89, 89, 0, 0},      {90, 90, 0xAF, 0},   {91, 91, 0xAE, 0},   {92, 92, 0xAD, 0},   {93, 112, 0x70, 1},
         {113, 113, 0x2D, 0}, {114, 114, 0x2F, 0}, {115, 115, 0x24, 0}, {116, 116, 0x21, 0}, {117, 117, 0x22, 0},
         {118, 118, 0x23, 0}, {119, 119, 0x25, 0}, {120, 120, 0x27, 0}, {121, 121, 0x28, 0}, {122, 122, 0x26, 0},
         {123, 123, 0x6E, 0}, {124, 124, 0x6A, 0}, {125, 125, 0x6B, 0}, {126, 126, 0x90, 0}, {127, 127, 0x6F, 0},

@@ -34,10 +34,9 @@ namespace
             posix_spawn_file_actions_init(&actions);
             posix_spawn_file_actions_addclose(&actions, pipe[0]);
             const std::string fd = std::to_string(pipe[1]);
-            const char * argv[] = {"Xvfb", "-displayfd", fd.c_str(), "-screen", "0", "800x600x24", "-nolisten", "tcp",
-                                   nullptr};
-            const int spawned =
-                posix_spawnp(&m_server, "Xvfb", &actions, nullptr, const_cast<char **>(argv), environ);
+            const char * argv[] = {"Xvfb",       "-displayfd", fd.c_str(), "-screen", "0",
+                                   "800x600x24", "-nolisten",  "tcp",      nullptr};
+            const int spawned = posix_spawnp(&m_server, "Xvfb", &actions, nullptr, const_cast<char **>(argv), environ);
             posix_spawn_file_actions_destroy(&actions);
             close(pipe[1]);
             ASSERT_EQ(spawned, 0) << "Xvfb is missing (scripts/install-deps installs it)";
@@ -108,8 +107,7 @@ TEST_F(VirtualDisplay, WarpedPointerReadsBack)
     Window root, child;
     int rootX = 0, rootY = 0, windowX, windowY;
     unsigned int buttons;
-    XQueryPointer(m_display, DefaultRootWindow(m_display), &root, &child, &rootX, &rootY, &windowX, &windowY,
-                  &buttons);
+    XQueryPointer(m_display, DefaultRootWindow(m_display), &root, &child, &rootX, &rootY, &windowX, &windowY, &buttons);
     EXPECT_EQ(rootX, 123);
     EXPECT_EQ(rootY, 45);
 }

@@ -45,7 +45,8 @@ namespace zunPlatform
         // The X libraries are loaded once and stay loaded for the process.
         const XLibrary * LoadX()
         {
-            static const XLibrary * loaded = [] {
+            static const XLibrary * loaded = []
+            {
                 static XLibrary x;
                 void * core = dlopen("libX11.so.6", RTLD_NOW | RTLD_LOCAL);
                 if (core == nullptr)
@@ -232,9 +233,8 @@ namespace zunPlatform
             int minimum = 0, maximum = 0;
             x->displayKeycodes(connection.display, &minimum, &maximum);
             int perKeycode = 0;
-            KeySym * symbols =
-                x->getKeyboardMapping(connection.display, static_cast<KeyCode>(minimum), maximum - minimum + 1,
-                                      &perKeycode);
+            KeySym * symbols = x->getKeyboardMapping(connection.display, static_cast<KeyCode>(minimum),
+                                                     maximum - minimum + 1, &perKeycode);
             if (symbols == nullptr)
                 return false;
             connection.minKeycode = minimum;
@@ -293,9 +293,7 @@ namespace zunPlatform
         x->flush(display);
     }
 
-    void SetCursor(std::uintptr_t)
-    {
-    }
+    void SetCursor(std::uintptr_t) {}
 
     void SetCursorPosition(int x, int y)
     {
@@ -316,8 +314,8 @@ namespace zunPlatform
         Window root = None, child = None;
         int windowX = 0, windowY = 0;
         unsigned int buttons = 0;
-        return xlib->queryPointer(display, xlib->defaultRootWindow(display), &root, &child, &x, &y, &windowX,
-                                  &windowY, &buttons) != 0;
+        return xlib->queryPointer(display, xlib->defaultRootWindow(display), &root, &child, &x, &y, &windowX, &windowY,
+                                  &buttons) != 0;
     }
 
     std::uintptr_t GetKeyboardLayout()
@@ -327,7 +325,8 @@ namespace zunPlatform
             return 0;
         // FNV-1a over the group and every symbol: equal mappings, equal identities.
         std::uint64_t hash = 1469598103934665603ull;
-        auto mix = [&hash](std::uint64_t value) {
+        auto mix = [&hash](std::uint64_t value)
+        {
             for (int i = 0; i < 8; ++i, value >>= 8)
                 hash = (hash ^ (value & 0xFF)) * 1099511628211ull;
         };

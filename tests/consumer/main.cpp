@@ -75,6 +75,9 @@ int main()
                                         zunVector4T<double>(2, 0, 0), first, second);
     failures += first.x != 2.0;
 
+    failures += zunSystem::GetPid() == 0 || zunSystem::KillProcess(0xFFFFFFFF);
+    failures += zunDebug::Windows::RemoveMemBreak(nullptr) || zunDebug::Windows::GetDebugFlags().GetMask() != 0;
+
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
 }
