@@ -30,8 +30,9 @@ namespace zunDebug
     {
         /// What touching the address means: fetching an instruction there,
         /// reading or writing it, or writing it. Any other value acts as
-        /// MemBreak_Execute.
-        enum MemBreak_Type
+        /// MemBreak_Execute. Both enumerations are 32-bit ints, so any value
+        /// may be passed.
+        enum MemBreak_Type : int
         {
             MemBreak_Execute = 0,
             MemBreak_ReadWrite = 1,
@@ -40,7 +41,7 @@ namespace zunDebug
 
         /// How many bytes from the address are watched. Any other value acts as
         /// MemBreak_1Byte. Instruction breakpoints always cover one instruction.
-        enum MemBreak_Size
+        enum MemBreak_Size : int
         {
             MemBreak_1Byte = 0,
             MemBreak_2Bytes = 1,
