@@ -7,6 +7,7 @@
 
 #include "zunBBox.h"
 #include "zunBlendFunction.h"
+#include "zunCharHelper.h"
 #include "zunColor.h"
 #include "zunConfig.h"
 #include "zunDebug.h"
@@ -21,6 +22,7 @@
 #include "zunQuaternion.h"
 #include "zunRectangle.h"
 #include "zunSlerp.h"
+#include "zunString.h"
 #include "zunSystem.h"
 #include "zunTimer.h"
 #include "zunToneMap.h"
