@@ -49,7 +49,7 @@ template <typename C> class zunStringListT;
 template <typename C, typename H> struct zunStringT
 {
     /// The unit type of the other encoding, and its string.
-    using OtherChar = std::conditional_t<std::is_same_v<C, char>, zunWChar, char>;
+    using OtherChar = typename zunCharHelper<C>::OtherChar;
     using OtherString = zunStringT<OtherChar, zunCharHelper<OtherChar>>;
 
     /// No text, null block.

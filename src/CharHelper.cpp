@@ -42,6 +42,8 @@ namespace
         }
         if (mode != StringCompareMode_Sensitive)
             return Order(zunPlatform::CompareNoCase(a, b));
+        if constexpr (sizeof(C) == 1)
+            return Order(std::strcmp(a, b)); // strcmp orders bytes as unsigned values
         using Unit = typename zunCharRules::Unsigned<C>::type;
         for (;; ++a, ++b)
         {
@@ -54,45 +56,6 @@ namespace
         }
     }
 
-    template <typename C> void CopyUnits(C * dst, const C * src, unsigned int count)
-    {
-        if (src == nullptr)
-            return;
-        const std::size_t units = count == kWholeText ? TextLength(src) + 1 : count;
-        zunMemCopy(dst, src, static_cast<unsigned int>(units * sizeof(C)));
-    }
-
-    template <typename C> unsigned int FindUnit(const C * text, C c)
-    {
-        for (unsigned int i = 0; text[i] != 0; ++i)
-            if (text[i] == c)
-                return i;
-        return kNotFound;
-    }
-
-    template <typename C> unsigned int FindText(const C * text, const C * sub)
-    {
-        const std::basic_string_view<C> haystack(text);
-        const std::size_t found = haystack.find(sub);
-        return found == std::basic_string_view<C>::npos ? kNotFound : static_cast<unsigned int>(found);
-    }
-
-    // Walks `chars` characters by their lead units. A character is stepped
-    // over one unit at a time so that a caller asking for more characters than
-    // the text holds stops at the terminator instead of reading behind it.
-    template <typename C> unsigned int WalkCharacters(const C * text, unsigned int chars)
-    {
-        unsigned int offset = 0;
-        for (unsigned int i = 0; i < chars && text[offset] != 0; ++i)
-        {
-            const unsigned int size = zunCharRules::UnitsOf(text[offset]);
-            ++offset;
-            for (unsigned int k = 1; k < size && text[offset] != 0; ++k)
-                ++offset;
-        }
-        return offset;
-    }
-
     // Maps the first unit of one character; returns its size in units.
     // Multi-unit characters are reported and go on.
     template <typename C> unsigned int MapCharacter(const C * c, bool toLower, C & mapped)
@@ -102,44 +65,6 @@ namespace
             zunFixMe(zunCharRules::kMultiUnitReport<C>);
         mapped = zunCharRules::MapCase(c[0], toLower);
         return units;
-    }
-
-    template <typename C>
-    void ChangeOneCase(const C * c, bool toLower, unsigned char (&out)[4], unsigned int & srcSize,
-                       unsigned int & dstSize)
-    {
-        C mapped;
-        const unsigned int units = MapCharacter(c, toLower, mapped);
-        srcSize = dstSize = units * static_cast<unsigned int>(sizeof(C));
-        std::memcpy(out, &mapped, sizeof(C));
-    }
-
-    template <typename C> C * ChangeTextCase(const C * text, bool toLower)
-    {
-        const std::size_t length = TextLength(text);
-        if (length + 1 > 0xFFFFFFFFu / sizeof(C))
-            return nullptr;
-        void * block = nullptr;
-        if (!zunMemAlloc(block, static_cast<unsigned int>((length + 1) * sizeof(C)), false))
-            return nullptr;
-        C * out = static_cast<C *>(block);
-        std::size_t i = 0;
-        while (i < length)
-        {
-            C mapped;
-            std::size_t units = MapCharacter(text + i, toLower, mapped);
-            // A character cut short by the end of the text ends there: the
-            // lead rule alone would step over the terminator.
-            if (units > length - i)
-                units = length - i;
-            out[i] = mapped;
-            // The other units of a multi-unit character pass through as they are.
-            for (std::size_t k = 1; k < units; ++k)
-                out[i + k] = text[i + k];
-            i += units;
-        }
-        out[length] = 0;
-        return out;
     }
 
     template <typename C, typename Value>
@@ -164,163 +89,140 @@ namespace
     }
 }
 
-// ---- UTF-8 -----------------------------------------------------------------
-
-CompareResult zunCharHelper<char>::Compare(const char * a, const char * b, StringCompareMode mode)
+template <typename C> CompareResult zunCharHelper<C>::Compare(const C * a, const C * b, StringCompareMode mode)
 {
     return CompareTexts(a, b, mode);
 }
 
-zunCharHelper<char>::NumberText zunCharHelper<char>::Convert(int value)
+// Each overload has its own static buffer, and each helper its own set.
+
+template <typename C> typename zunCharHelper<C>::NumberText zunCharHelper<C>::Convert(int value)
 {
-    static char buffer[kNumberUnits];
+    static C buffer[kNumberUnits];
     return FormatNumber(buffer, "%d", value);
 }
 
-zunCharHelper<char>::NumberText zunCharHelper<char>::Convert(unsigned int value)
+template <typename C> typename zunCharHelper<C>::NumberText zunCharHelper<C>::Convert(unsigned int value)
 {
-    static char buffer[kNumberUnits];
+    static C buffer[kNumberUnits];
     return FormatNumber(buffer, "%u", value);
 }
 
-zunCharHelper<char>::NumberText zunCharHelper<char>::Convert(std::int64_t value)
+template <typename C> typename zunCharHelper<C>::NumberText zunCharHelper<C>::Convert(std::int64_t value)
 {
-    static char buffer[kNumberUnits];
+    static C buffer[kNumberUnits];
     return FormatNumber(buffer, "%lld", static_cast<long long>(value));
 }
 
-zunCharHelper<char>::NumberText zunCharHelper<char>::Convert(std::uint64_t value)
+template <typename C> typename zunCharHelper<C>::NumberText zunCharHelper<C>::Convert(std::uint64_t value)
 {
-    static char buffer[kNumberUnits];
+    static C buffer[kNumberUnits];
     return FormatNumber(buffer, "%llu", static_cast<unsigned long long>(value));
 }
 
-zunCharHelper<char>::NumberText zunCharHelper<char>::Convert(double value)
+template <typename C> typename zunCharHelper<C>::NumberText zunCharHelper<C>::Convert(double value)
 {
-    static char buffer[kNumberUnits];
+    static C buffer[kNumberUnits];
     return FormatNumber(buffer, "%f", value);
 }
 
-std::unique_ptr<char, std::function<void(char *)>> zunCharHelper<char>::Convert(const zunWChar * text)
+template <typename C> std::unique_ptr<C, std::function<void(C *)>> zunCharHelper<C>::Convert(const OtherChar * text)
 {
-    return zunUTF16::ToNew8(text);
+    if constexpr (sizeof(C) == 1)
+        return zunUTF16::ToNew8(text);
+    else
+        return zunUTF8::ToNew16(text);
 }
 
-void zunCharHelper<char>::CopyBuffer(char * dst, const char * src, unsigned int count)
+template <typename C> void zunCharHelper<C>::CopyBuffer(C * dst, const C * src, unsigned int count)
 {
-    CopyUnits(dst, src, count);
+    if (src == nullptr)
+        return;
+    const std::size_t units = count == kWholeText ? TextLength(src) + 1 : count;
+    zunMemCopy(dst, src, static_cast<unsigned int>(units * sizeof(C)));
 }
 
-unsigned int zunCharHelper<char>::FindChar(const char * text, char c)
+template <typename C> unsigned int zunCharHelper<C>::FindChar(const C * text, C c)
 {
-    return FindUnit(text, c);
+    for (unsigned int i = 0; text[i] != 0; ++i)
+        if (text[i] == c)
+            return i;
+    return kNotFound;
 }
 
-unsigned int zunCharHelper<char>::FindSubString(const char * text, const char * sub)
+template <typename C> unsigned int zunCharHelper<C>::FindSubString(const C * text, const C * sub)
 {
-    return FindText(text, sub);
+    const std::basic_string_view<C> haystack(text);
+    const std::size_t found = haystack.find(sub);
+    return found == std::basic_string_view<C>::npos ? kNotFound : static_cast<unsigned int>(found);
 }
 
-unsigned int zunCharHelper<char>::GetByteOffset(const char * text, unsigned int chars)
+template <typename C> unsigned int zunCharHelper<C>::GetByteOffset(const C * text, unsigned int chars)
 {
-    return WalkCharacters(text, chars);
+    // A character is stepped over one unit at a time so that a caller asking
+    // for more characters than the text holds stops at the terminator instead
+    // of reading behind it.
+    unsigned int offset = 0;
+    for (unsigned int i = 0; i < chars && text[offset] != 0; ++i)
+    {
+        const unsigned int size = SizeOf(text[offset]);
+        ++offset;
+        for (unsigned int k = 1; k < size && text[offset] != 0; ++k)
+            ++offset;
+    }
+    return offset;
 }
 
-bool zunCharHelper<char>::IsValidChar(char c)
+template <typename C> bool zunCharHelper<C>::IsValidChar(C c)
 {
-    return static_cast<unsigned char>(c) < 0x80;
+    if constexpr (sizeof(C) == 1)
+        return static_cast<unsigned char>(c) < 0x80;
+    else
+        return c < 0xD800 || c > 0xDFFF;
 }
 
-void zunCharHelper<char>::ChangeCharCase(const char * c, bool toLower, unsigned char (&out)[4], unsigned int & srcSize,
-                                         unsigned int & dstSize)
+template <typename C>
+void zunCharHelper<C>::ChangeCharCase(const C * c, bool toLower, unsigned char (&out)[4], unsigned int & srcSize,
+                                      unsigned int & dstSize)
 {
-    ChangeOneCase(c, toLower, out, srcSize, dstSize);
+    C mapped;
+    const unsigned int units = MapCharacter(c, toLower, mapped);
+    srcSize = dstSize = units * static_cast<unsigned int>(sizeof(C));
+    std::memcpy(out, &mapped, sizeof(C));
 }
 
-char * zunCharHelper<char>::ChangeStringCase(const char * text, bool toLower)
+template <typename C> C * zunCharHelper<C>::ChangeStringCase(const C * text, bool toLower)
 {
-    return ChangeTextCase(text, toLower);
+    const std::size_t length = TextLength(text);
+    if (length + 1 > 0xFFFFFFFFu / sizeof(C))
+        return nullptr;
+    void * block = nullptr;
+    if (!zunMemAlloc(block, static_cast<unsigned int>((length + 1) * sizeof(C)), false))
+        return nullptr;
+    C * out = static_cast<C *>(block);
+    std::size_t i = 0;
+    while (i < length)
+    {
+        C mapped;
+        std::size_t units = MapCharacter(text + i, toLower, mapped);
+        // A character cut short by the end of the text ends there: the lead
+        // rule alone would step over the terminator.
+        if (units > length - i)
+            units = length - i;
+        out[i] = mapped;
+        // The other units of a multi-unit character pass through as they are.
+        for (std::size_t k = 1; k < units; ++k)
+            out[i + k] = text[i + k];
+        i += units;
+    }
+    out[length] = 0;
+    return out;
 }
 
-unsigned int zunCharHelper<char>::SizeOf(char lead)
+template <typename C> unsigned int zunCharHelper<C>::SizeOf(C lead)
 {
     return zunCharRules::UnitsOf(lead);
 }
 
-// ---- UTF-16 ----------------------------------------------------------------
-
-CompareResult zunCharHelper<zunWChar>::Compare(const zunWChar * a, const zunWChar * b, StringCompareMode mode)
-{
-    return CompareTexts(a, b, mode);
-}
-
-zunCharHelper<zunWChar>::NumberText zunCharHelper<zunWChar>::Convert(int value)
-{
-    static zunWChar buffer[kNumberUnits];
-    return FormatNumber(buffer, "%d", value);
-}
-
-zunCharHelper<zunWChar>::NumberText zunCharHelper<zunWChar>::Convert(unsigned int value)
-{
-    static zunWChar buffer[kNumberUnits];
-    return FormatNumber(buffer, "%u", value);
-}
-
-zunCharHelper<zunWChar>::NumberText zunCharHelper<zunWChar>::Convert(std::int64_t value)
-{
-    static zunWChar buffer[kNumberUnits];
-    return FormatNumber(buffer, "%lld", static_cast<long long>(value));
-}
-
-zunCharHelper<zunWChar>::NumberText zunCharHelper<zunWChar>::Convert(std::uint64_t value)
-{
-    static zunWChar buffer[kNumberUnits];
-    return FormatNumber(buffer, "%llu", static_cast<unsigned long long>(value));
-}
-
-zunCharHelper<zunWChar>::NumberText zunCharHelper<zunWChar>::Convert(double value)
-{
-    static zunWChar buffer[kNumberUnits];
-    return FormatNumber(buffer, "%f", value);
-}
-
-std::unique_ptr<zunWChar, std::function<void(zunWChar *)>> zunCharHelper<zunWChar>::Convert(const char * text)
-{
-    return zunUTF8::ToNew16(text);
-}
-
-void zunCharHelper<zunWChar>::CopyBuffer(zunWChar * dst, const zunWChar * src, unsigned int count)
-{
-    CopyUnits(dst, src, count);
-}
-
-unsigned int zunCharHelper<zunWChar>::FindChar(const zunWChar * text, zunWChar c)
-{
-    return FindUnit(text, c);
-}
-
-unsigned int zunCharHelper<zunWChar>::FindSubString(const zunWChar * text, const zunWChar * sub)
-{
-    return FindText(text, sub);
-}
-
-unsigned int zunCharHelper<zunWChar>::GetByteOffset(const zunWChar * text, unsigned int chars)
-{
-    return WalkCharacters(text, chars);
-}
-
-bool zunCharHelper<zunWChar>::IsValidChar(zunWChar c)
-{
-    return c < 0xD800 || c > 0xDFFF;
-}
-
-void zunCharHelper<zunWChar>::ChangeCharCase(const zunWChar * c, bool toLower, unsigned char (&out)[4],
-                                             unsigned int & srcSize, unsigned int & dstSize)
-{
-    ChangeOneCase(c, toLower, out, srcSize, dstSize);
-}
-
-zunWChar * zunCharHelper<zunWChar>::ChangeStringCase(const zunWChar * text, bool toLower)
-{
-    return ChangeTextCase(text, toLower);
-}
+template struct zunCharHelper<char>;
+template struct zunCharHelper<zunWChar>;

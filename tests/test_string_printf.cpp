@@ -37,16 +37,7 @@ namespace
         return text;
     }
 
-    unsigned int CallVPrintf(zunString & s, const char * format, ...)
-    {
-        va_list args;
-        va_start(args, format);
-        const unsigned int length = s.VPrintf(format, args);
-        va_end(args);
-        return length;
-    }
-
-    unsigned int CallVPrintf(zunStringW & s, const zunWChar * format, ...)
+    template <typename S, typename C> unsigned int CallVPrintf(S & s, const C * format, ...)
     {
         va_list args;
         va_start(args, format);

@@ -24,6 +24,13 @@ int main()
     zunUTF16 wide("caf\xC3\xA9", 5);
     failures += wide.Length() != 4 || wide.Get16()[3] != 0xE9;
 
+    zunString text("caf\xC3\xA9");
+    zunStringW wideText;
+    wideText = text;
+    wideText.Printf(ZUN_W("%s=%d"), static_cast<const zunWChar *>(wideText), 4);
+    failures += wideText.Length() != 6 || !(text == "caf\xC3\xA9") || zunString::Empty.Length() != 0;
+    failures += zunCharHelper<char>::Compare("a", "A", StringCompareMode_Insensitive) != CompareResult_Equal;
+
     void * block = nullptr;
     failures += !zunMemAlloc(block, 64, true);
     failures += zunMemGetSize(block) != 64;
