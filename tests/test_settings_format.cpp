@@ -1,0 +1,624 @@
+// The settings text format: how each line becomes a record, how records of
+// the same section and key merge, and what a rewrite gives back, byte for
+// byte. Line ends, memory exhaustion and the lookup index are covered too.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "MemTesting.h"
+#include "SettingsTestFiles.h"
+#include "SimpleSettingsImp.h"
+#include "zunException.h"
+
+using namespace zunSettingsPrivate;
+
+namespace
+{
+    // A settings model read from the bytes of a file.
+    struct Loaded
+    {
+        SimpleSettingsImp imp;
+
+        explicit Loaded(const std::string & bytes)
+        {
+            settingsTest::TemporaryFolder folder;
+            const std::string file = folder.File("s.ini");
+            settingsTest::WriteBytes(file, bytes);
+            std::ifstream stream(file);
+            imp.Read(stream);
+        }
+
+        const RecordList::Records & Items() const { return imp.m_items.GetRecords(); }
+        const Data & Item(std::size_t i) const { return *Items().at(i); }
+        const Section & SectionAt(std::size_t i) const { return dynamic_cast<const Section &>(Item(i)); }
+        const KeyValue & KeyAt(std::size_t i) const { return dynamic_cast<const KeyValue &>(Item(i)); }
+
+        std::string Written() const
+        {
+            std::ostringstream out;
+            imp.Write(out);
+            return out.str();
+        }
+    };
+
+    const KeyValue & ChildKey(const Section & section, std::size_t i)
+    {
+        return dynamic_cast<const KeyValue &>(*section.m_children.GetRecords().at(i));
+    }
+
+    const Data & Child(const Section & section, std::size_t i)
+    {
+        return *section.m_children.GetRecords().at(i);
+    }
+
+    // The record of a single line at top level.
+    struct OneLine : Loaded
+    {
+        explicit OneLine(const std::string & line) : Loaded(line + "\n") { EXPECT_EQ(Items().size(), 1u); }
+        DataType Type() const { return Item(0).m_type; }
+    };
+
+    void ExpectKeyValue(const Data & record, const std::string & key, const std::string & value, char quote,
+                        const std::string & trailing)
+    {
+        ASSERT_EQ(record.m_type, TypeKeyValue);
+        const KeyValue & kv = dynamic_cast<const KeyValue &>(record);
+        EXPECT_EQ(kv.m_text, key);
+        EXPECT_EQ(kv.m_value, value);
+        EXPECT_EQ(kv.m_quote, quote);
+        EXPECT_EQ(kv.m_trailing, trailing);
+    }
+
+    // One line read as a key: its fields, and the line written back.
+    void ExpectKeyLine(const std::string & line, const std::string & key, const std::string & value, char quote,
+                       const std::string & trailing, const std::string & written)
+    {
+        const OneLine read(line);
+        ExpectKeyValue(read.Item(0), key, value, quote, trailing);
+        EXPECT_EQ(read.Written(), written + "\n");
+    }
+
+    // One line read as a section header, written back as it was.
+    void ExpectHeaderLine(const std::string & line, const std::string & name, const std::string & trailing)
+    {
+        const OneLine read(line);
+        ASSERT_EQ(read.Type(), TypeSection);
+        EXPECT_EQ(read.SectionAt(0).m_text, name);
+        EXPECT_EQ(read.SectionAt(0).m_trailing, trailing);
+        EXPECT_EQ(read.Written(), line + "\n");
+    }
+
+    void ExpectOther(const Data & record, const std::string & text)
+    {
+        ASSERT_EQ(record.m_type, TypeOther);
+        EXPECT_NE(dynamic_cast<const Other *>(&record), nullptr);
+        EXPECT_EQ(record.m_text, text);
+    }
+}
+
+// ---------------------------------------------------------------------------
+// The grammar
+
+TEST(SettingsGrammar, FourTextsMadeAtLoad)
+{
+    EXPECT_EQ(g_sectionOpen, "[");
+    EXPECT_EQ(g_sectionClose, "]");
+    EXPECT_EQ(g_keyValueSeparator, "=");
+    EXPECT_EQ(g_commentCharacters, "#;");
+}
+
+TEST(SettingsGrammar, RecordTypesHaveTheirNumbers)
+{
+    EXPECT_EQ(TypeKeyValue, 0);
+    EXPECT_EQ(TypeSection, 1);
+    EXPECT_EQ(TypeOther, 2);
+    EXPECT_EQ(sizeof(DataType), 4u);
+    EXPECT_EQ(KeyValue().m_type, TypeKeyValue);
+    EXPECT_EQ(Section().m_type, TypeSection);
+    EXPECT_EQ(Other().m_type, TypeOther);
+}
+
+TEST(SettingsGrammar, ClassificationTakesTheFirstRuleThatFits)
+{
+    EXPECT_EQ(ClassifyLine("[a]"), TypeSection);
+    EXPECT_EQ(ClassifyLine("[a=b]"), TypeSection); // a header before a key
+    EXPECT_EQ(ClassifyLine("[a;]"), TypeSection);  // a header before a comment
+    EXPECT_EQ(ClassifyLine("[a"), TypeOther);      // no closing bracket
+    EXPECT_EQ(ClassifyLine("[a=1"), TypeKeyValue); // ...but a separator
+    EXPECT_EQ(ClassifyLine("x]["), TypeOther);     // "[" only counts at index 0
+    EXPECT_EQ(ClassifyLine(";k=v"), TypeOther);    // a comment before a key
+    EXPECT_EQ(ClassifyLine("#k=v"), TypeOther);
+    EXPECT_EQ(ClassifyLine("a#b=c"), TypeKeyValue); // comment characters count at index 0 only
+    EXPECT_EQ(ClassifyLine(" ;k=v"), TypeKeyValue);
+    EXPECT_EQ(ClassifyLine(" ;note"), TypeOther);
+    EXPECT_EQ(ClassifyLine("k=v"), TypeKeyValue);
+    EXPECT_EQ(ClassifyLine("plain text"), TypeOther);
+    EXPECT_EQ(ClassifyLine(""), TypeOther);
+    EXPECT_EQ(ClassifyLine(std::string("\0=1", 3)), TypeKeyValue);
+}
+
+// ---------------------------------------------------------------------------
+// The worked example, row by row
+
+TEST(SettingsFormat, WorkedExampleRowByRow)
+{
+    const Loaded file("; global note\n"
+                      "top=1\n"
+                      "[View] first\n"
+                      "Width = 800\n"
+                      " Height=600\n"
+                      "Title='My App' ; shown\n"
+                      "Path='C:\\x\n"
+                      "; note\n"
+                      "\n"
+                      "[view]\n"
+                      "Width=1024\n"
+                      "noequals\n");
+
+    ASSERT_EQ(file.Items().size(), 3u);
+    ExpectOther(file.Item(0), "; global note");
+    ExpectKeyValue(file.Item(1), "top", "1", 0, "");
+    const Section & view = file.SectionAt(2);
+    EXPECT_EQ(view.m_text, "View");
+    EXPECT_EQ(view.m_trailing, " first");
+
+    ASSERT_EQ(view.m_children.Size(), 7u);
+    ExpectKeyValue(Child(view, 0), "Width", "1024", 0, ""); // updated by the line below "[view]"
+    ExpectKeyValue(Child(view, 1), "", "600", 0, "");       // a leading blank loses the key
+    ExpectKeyValue(Child(view, 2), "Title", "My App", '\'', " ; shown");
+    ExpectKeyValue(Child(view, 3), "Path", "'C:\\x", 0, "");
+    ExpectOther(Child(view, 4), "; note");
+    ExpectOther(Child(view, 5), "");
+    ExpectOther(Child(view, 6), "noequals"); // "[view]" went, its lines went on into View
+
+    EXPECT_EQ(file.Written(), "; global note\n"
+                              "top=1\n"
+                              "[View] first\n"
+                              "Width=1024\n"
+                              "=600\n"
+                              "Title='My App' ; shown\n"
+                              "Path='C:\\x\n"
+                              "; note\n"
+                              "\n"
+                              "noequals\n");
+}
+
+// ---------------------------------------------------------------------------
+// Edge cases of single lines
+
+TEST(SettingsFormat, EmptyFileGivesNothingAndWritesNothing)
+{
+    const Loaded file("");
+    EXPECT_TRUE(file.Items().empty());
+    EXPECT_EQ(file.Written(), "");
+}
+
+TEST(SettingsFormat, HeaderWithoutClosingBracketIsOtherOrKeyValue)
+{
+    ExpectOther(OneLine("[a").Item(0), "[a");
+    ExpectKeyValue(OneLine("[a=1").Item(0), "[a", "1", 0, "");
+}
+
+TEST(SettingsFormat, NameRunsToTheFirstClosingBracket)
+{
+    ExpectHeaderLine("[a]]", "a", "]");
+}
+
+TEST(SettingsFormat, EmptyBracketsMakeTheEmptyName)
+{
+    ExpectHeaderLine("[]", "", "");
+}
+
+TEST(SettingsFormat, NameIsNotTrimmed)
+{
+    ExpectHeaderLine("[ a b ]  # x", " a b ", "  # x");
+}
+
+TEST(SettingsFormat, BlankBeforeBracketIsNoHeader)
+{
+    ExpectOther(OneLine(" [a]").Item(0), " [a]");
+    // With a separator it is a key that began with a blank: the key is lost.
+    ExpectKeyValue(OneLine(" [a]=1").Item(0), "", "1", 0, "");
+}
+
+TEST(SettingsFormat, FirstSeparatorSplits)
+{
+    ExpectKeyLine("a=b=c", "a", "b=c", 0, "", "a=b=c");
+}
+
+TEST(SettingsFormat, SeparatorAtIndexZeroGivesTheEmptyKey)
+{
+    ExpectKeyLine("=x", "", "x", 0, "", "=x");
+}
+
+TEST(SettingsFormat, EmptyValueWritesBackAsItWas)
+{
+    ExpectKeyLine("k=", "k", "", 0, "", "k=");
+    ExpectKeyValue(OneLine("k=  \t").Item(0), "k", "", 0, ""); // only blanks behind the separator
+}
+
+TEST(SettingsFormat, CommentCharacterCountsOnlyAtIndexZero)
+{
+    const OneLine line("a#b=c");
+    ExpectKeyValue(line.Item(0), "a#b", "c", 0, "");
+    ExpectKeyValue(OneLine("a;b=c").Item(0), "a;b", "c", 0, "");
+}
+
+TEST(SettingsFormat, BlankBeforeCommentMakesAKeyThatLosesItsKey)
+{
+    ExpectKeyLine(" ; note=x", "", "x", 0, "", "=x");
+    ExpectOther(OneLine("\t# note").Item(0), "\t# note"); // no separator: kept whole
+}
+
+TEST(SettingsFormat, AnyLeadingWhiteSpaceClearsTheKey)
+{
+    for (const char * line : {" k=v", "\tk=v", "\vk=v", "\fk=v", "\rk=v"})
+        ExpectKeyValue(OneLine(line).Item(0), "", "v", 0, "");
+}
+
+TEST(SettingsFormat, KeyLosesTrailingWhiteSpaceOnly)
+{
+    ExpectKeyLine("a b \t=v", "a b", "v", 0, "", "a b=v");
+}
+
+TEST(SettingsFormat, WhiteSpaceAroundTheSeparatorIsNotKept)
+{
+    ExpectKeyLine("Width \t =  \t800", "Width", "800", 0, "", "Width=800");
+}
+
+TEST(SettingsFormat, TextBehindClosingQuoteIsKept)
+{
+    ExpectKeyLine("k='v'tail", "k", "v", '\'', "tail", "k='v'tail");
+}
+
+TEST(SettingsFormat, DoubleQuotesWorkAlike)
+{
+    ExpectKeyLine("k= \"a 'b' c\"  ; x ", "k", "a 'b' c", '"', "  ; x ", "k=\"a 'b' c\"  ; x ");
+}
+
+TEST(SettingsFormat, QuotesHaveNoEscapes)
+{
+    ExpectKeyLine("k=\"a\\\"b\"", "k", "a\\", '"', "b\"", "k=\"a\\\"b\"");
+    ExpectKeyValue(OneLine("k=''").Item(0), "k", "", '\'', "");
+}
+
+TEST(SettingsFormat, UnquotedValueKeepsWhatStandsBehindIt)
+{
+    ExpectKeyLine("k=v ; note", "k", "v ; note", 0, "", "k=v ; note");
+    ExpectKeyValue(OneLine("k=v  ").Item(0), "k", "v  ", 0, "");     // trailing blanks too
+    ExpectKeyValue(OneLine("k=v 'q'").Item(0), "k", "v 'q'", 0, ""); // quotes inside are text
+}
+
+TEST(SettingsFormat, UnclosedQuoteStaysInTheValue)
+{
+    ExpectKeyLine("k='v", "k", "'v", 0, "", "k='v");
+    ExpectKeyValue(OneLine("k= \"v'").Item(0), "k", "\"v'", 0, "");
+}
+
+TEST(SettingsFormat, LineWithoutNewlineAtTheEndIsRead)
+{
+    const Loaded file("a=1\n[s]\nb=2");
+    ASSERT_EQ(file.Items().size(), 2u);
+    ExpectKeyValue(Child(file.SectionAt(1), 0), "b", "2", 0, "");
+    EXPECT_EQ(file.Written(), "a=1\n[s]\nb=2\n"); // the writer ends every line
+}
+
+TEST(SettingsFormat, NulAndHighBytesAreKeptAsText)
+{
+    const std::string bytes("k\xC3\xA9=\xFF\0v\n;\x80\0\n", 12);
+    const Loaded file(bytes);
+    ASSERT_EQ(file.Items().size(), 2u);
+    ExpectKeyValue(file.Item(0), "k\xC3\xA9", std::string("\xFF\0v", 3), 0, "");
+    ExpectOther(file.Item(1), std::string(";\x80\0", 3));
+    EXPECT_EQ(file.Written(), bytes);
+}
+
+TEST(SettingsFormat, LongLinesAreKeptWhole)
+{
+    const std::string value(1 << 20, 'x');
+    const std::string bytes = "[s]\nk=" + value + "\n#" + value + "\n";
+    const Loaded file(bytes);
+    EXPECT_EQ(ChildKey(file.SectionAt(0), 0).m_value, value);
+    EXPECT_EQ(file.Written(), bytes);
+}
+
+// ---------------------------------------------------------------------------
+// Sections and merging
+
+TEST(SettingsFormat, SectionsThatDifferInCaseMergeIntoTheFirst)
+{
+    const Loaded file("[Colors] # one\nred=1\n[other]\nx=1\n[COLORS] # two\nblue=2\n");
+    ASSERT_EQ(file.Items().size(), 2u);
+    const Section & colors = file.SectionAt(0);
+    EXPECT_EQ(colors.m_text, "Colors");
+    EXPECT_EQ(colors.m_trailing, " # one");
+    ASSERT_EQ(colors.m_children.Size(), 2u);
+    ExpectKeyValue(Child(colors, 1), "blue", "2", 0, "");
+    EXPECT_EQ(file.Written(), "[Colors] # one\nred=1\nblue=2\n[other]\nx=1\n");
+}
+
+TEST(SettingsFormat, NamesCompareByteForByteAboveAscii)
+{
+    // In the "C" locale tolower changes A to Z only.
+    const Loaded file("[\xC4]\na=1\n[\xE4]\nb=2\n[\xC3\x84]\n[\xC3\xA4]\n");
+    EXPECT_EQ(file.Items().size(), 4u);
+}
+
+TEST(SettingsFormat, CommentAboveAHeaderBelongsToTheSectionBefore)
+{
+    const Loaded file("# top\n[a]\nk=1\n# about b\n\n[b]\n");
+    ASSERT_EQ(file.Items().size(), 3u);
+    const Section & a = file.SectionAt(1);
+    ASSERT_EQ(a.m_children.Size(), 3u);
+    ExpectOther(Child(a, 1), "# about b");
+    ExpectOther(Child(a, 2), "");
+    EXPECT_TRUE(file.SectionAt(2).m_children.IsEmpty());
+}
+
+TEST(SettingsFormat, RepeatedKeyKeepsItsPlaceAndTakesTheLastValue)
+{
+    const Loaded file("[s]\nKey='old' tail\nother=1\nKEY = new\nkey=newer\n");
+    const Section & s = file.SectionAt(0);
+    ASSERT_EQ(s.m_children.Size(), 2u);
+    // The key's text stays as first written; quote and trailing text come
+    // from parsing the bare value of the last line.
+    ExpectKeyValue(Child(s, 0), "Key", "newer", 0, "");
+    EXPECT_EQ(file.Written(), "[s]\nKey=newer\nother=1\n");
+}
+
+TEST(SettingsFormat, RepeatedKeyParsesItsBareValueAgain)
+{
+    // The last line's value is "'a' b" without its double quotes; parsed
+    // again, it opens with a single quote.
+    const Loaded file("[s]\nk=1\nk=\"'a' b\"  tail\n");
+    ExpectKeyValue(Child(file.SectionAt(0), 0), "k", "a", '\'', " b");
+    EXPECT_EQ(file.Written(), "[s]\nk='a' b\n");
+
+    // A quoted value loses its quotes when it repeats a key.
+    const Loaded quoted("[s]\nk=1\nk='x y' z\n");
+    ExpectKeyValue(Child(quoted.SectionAt(0), 0), "k", "x y", 0, "");
+}
+
+TEST(SettingsFormat, RepeatedKeyKeepsTheFirstLineEnd)
+{
+    const Loaded file("[s]\r\nk=1\r\nk=2\n");
+    EXPECT_EQ(file.Written(), "[s]\r\nk=2\r\n");
+}
+
+TEST(SettingsFormat, EmptyKeysMergeLikeAnyOther)
+{
+    const Loaded file("[s]\n a=1\n=2\n\tb=3\n");
+    const Section & s = file.SectionAt(0);
+    ASSERT_EQ(s.m_children.Size(), 1u);
+    ExpectKeyValue(Child(s, 0), "", "3", 0, "");
+}
+
+TEST(SettingsFormat, TopLevelKeysAreNeverMerged)
+{
+    const Loaded file("k=1\nK=2\nk=3\n[s]\n");
+    ASSERT_EQ(file.Items().size(), 4u);
+    EXPECT_EQ(file.Written(), "k=1\nK=2\nk=3\n[s]\n");
+}
+
+TEST(SettingsFormat, SectionAcceptsNoSectionAndNoUnknownRecord)
+{
+    Section section;
+    section.Add(std::unique_ptr<Data>(new Section));
+    EXPECT_TRUE(section.m_children.IsEmpty());
+
+    struct Odd : Data
+    {
+        Odd() : Data(static_cast<DataType>(7)) {}
+        std::ostream & Write(std::ostream & stream) const override { return stream; }
+    };
+    section.Add(std::unique_ptr<Data>(new Odd));
+    EXPECT_TRUE(section.m_children.IsEmpty());
+}
+
+// ---------------------------------------------------------------------------
+// Line ends
+
+TEST(SettingsLineEnds, CrLfFileComesBackUnchanged)
+{
+    const std::string bytes = "; note\r\ntop=1\r\n[View] first\r\nWidth=800\r\nTitle='a' b\r\n\r\n[Other]\r\nx\r\n";
+    const Loaded file(bytes);
+    EXPECT_EQ(file.Written(), bytes);
+    // The carriage return is the line end's, not the text's.
+    ExpectKeyValue(file.Item(1), "top", "1", 0, "");
+    EXPECT_EQ(file.SectionAt(2).m_trailing, " first");
+    ExpectKeyValue(Child(file.SectionAt(2), 1), "Title", "a", '\'', " b");
+    ExpectOther(Child(file.SectionAt(2), 2), "");
+    EXPECT_TRUE(file.Item(1).m_crlf);
+}
+
+TEST(SettingsLineEnds, MixedLineEndsComeBackLineByLine)
+{
+    const std::string bytes = "a=1\r\nb=2\n[s]\n[t]\r\nc\r\nd\n";
+    EXPECT_EQ(Loaded(bytes).Written(), bytes);
+}
+
+TEST(SettingsLineEnds, CarriageReturnElsewhereIsText)
+{
+    // In the middle of a line.
+    ExpectKeyValue(OneLine("k=a\rb").Item(0), "k", "a\rb", 0, "");
+    // Doubled in front of the newline: one belongs to the line end.
+    const Loaded doubled("k=v\r\r\n");
+    ExpectKeyValue(doubled.Item(0), "k", "v\r", 0, "");
+    EXPECT_EQ(doubled.Written(), "k=v\r\r\n");
+    // At the end of a file without newline.
+    const Loaded last("k=v\r");
+    ExpectKeyValue(last.Item(0), "k", "v\r", 0, "");
+    EXPECT_FALSE(last.Item(0).m_crlf);
+    EXPECT_EQ(last.Written(), "k=v\r\n");
+    // A line of a lone carriage return is an empty line.
+    const Loaded blank("\r\n");
+    ExpectOther(blank.Item(0), "");
+    EXPECT_EQ(blank.Written(), "\r\n");
+}
+
+// ---------------------------------------------------------------------------
+// Exhausted memory while reading
+
+namespace
+{
+    // The lines of the source holding a text, 1-based.
+    std::vector<int> SourceLinesWith(const std::string & file, const std::string & text)
+    {
+        std::ifstream source(std::string(ZUN_TEST_SOURCE_DIR) + "/../" + file);
+        std::vector<int> lines;
+        std::string line;
+        for (int number = 1; std::getline(source, line); ++number)
+            if (line.find(text) != std::string::npos)
+                lines.push_back(number);
+        return lines;
+    }
+
+    const char kReadSignature[] = "void __cdecl SimpleSettingsImp::Read(class std::basic_ifstream<char,struct "
+                                  "std::char_traits<char> > &) throw(struct zunException)";
+
+    // Reads `bytes` with the `nth` record allocation failing; the exception.
+    zunException ReadFailing(const std::string & bytes, unsigned int nth)
+    {
+        settingsTest::TemporaryFolder folder;
+        settingsTest::WriteBytes(folder.File("s.ini"), bytes);
+        std::ifstream stream(folder.File("s.ini"));
+        SimpleSettingsImp imp;
+        zunMemTesting::FailAllocation(nth);
+        try
+        {
+            imp.Read(stream);
+        }
+        catch (const zunException & e)
+        {
+            zunMemTesting::Reset();
+            return e;
+        }
+        zunMemTesting::Reset();
+        ADD_FAILURE() << "no exception";
+        return zunException();
+    }
+}
+
+TEST(SettingsReadFailure, EachRecordKindThrowsFromItsOwnSite)
+{
+    const std::vector<int> sites =
+        SourceLinesWith("src/settings.cpp", "throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE)");
+    ASSERT_EQ(sites.size(), 3u); // Section, KeyValue, Other, in this order
+
+    const std::string file = "[s]\nk=v\n; note\n";
+    for (unsigned int nth = 1; nth <= 3; ++nth)
+    {
+        const zunException e = ReadFailing(file, nth);
+        EXPECT_STREQ(e.GetFileAndLine(), ("src/settings.cpp:" + std::to_string(sites[nth - 1])).c_str());
+        EXPECT_STREQ(e.GetFunction(), kReadSignature);
+        EXPECT_STREQ(e.GetDebugDescription(), "");
+        EXPECT_STREQ(e.GetDescription(), "");
+    }
+}
+
+TEST(SettingsReadFailure, RecordsReadBeforeTheFailureStayAndNothingLeaks)
+{
+    settingsTest::TemporaryFolder folder;
+    settingsTest::WriteBytes(folder.File("s.ini"), "a=1\n[s]\nb=2\nc=3\n");
+    std::ifstream stream(folder.File("s.ini"));
+    SimpleSettingsImp imp;
+    zunMemTesting::FailAllocation(4);
+    EXPECT_THROW(imp.Read(stream), zunException);
+    zunMemTesting::Reset();
+    std::ostringstream out;
+    imp.Write(out);
+    EXPECT_EQ(out.str(), "a=1\n[s]\nb=2\n");
+}
+
+TEST(SettingsReadFailure, RepeatedHeaderNeedsMemoryAndThrowsAsASection)
+{
+    // The repeated header is built before it is found to be a repeat.
+    const std::vector<int> sites =
+        SourceLinesWith("src/settings.cpp", "throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE)");
+    ASSERT_EQ(sites.size(), 3u);
+    const zunException e = ReadFailing("[s]\n[S]\n", 2);
+    EXPECT_STREQ(e.GetFileAndLine(), ("src/settings.cpp:" + std::to_string(sites[0])).c_str());
+}
+
+// ---------------------------------------------------------------------------
+// The lookup of names in long lists
+
+TEST(SettingsLookup, ManyKeysAndSectionsMergeAsInShortFiles)
+{
+    std::string bytes;
+    for (int s = 0; s < 300; ++s)
+    {
+        bytes += "[Section" + std::to_string(s) + "]\n";
+        for (int k = 0; k < 40; ++k)
+            bytes += "Key" + std::to_string(k) + "=" + std::to_string(s * 100 + k) + "\n";
+    }
+    // Every section and key again, in other case, with new values.
+    for (int s = 299; s >= 0; --s)
+    {
+        bytes += "[SECTION" + std::to_string(s) + "]\n";
+        for (int k = 39; k >= 0; --k)
+            bytes += "kEY" + std::to_string(k) + "=new" + std::to_string(s * 100 + k) + "\n";
+    }
+    const Loaded file(bytes);
+    ASSERT_EQ(file.Items().size(), 300u);
+    for (int s = 0; s < 300; ++s)
+    {
+        const Section & section = file.SectionAt(s);
+        EXPECT_EQ(section.m_text, "Section" + std::to_string(s));
+        ASSERT_EQ(section.m_children.Size(), 40u);
+        for (int k = 0; k < 40; ++k)
+            ExpectKeyValue(Child(section, k), "Key" + std::to_string(k), "new" + std::to_string(s * 100 + k), 0, "");
+    }
+}
+
+TEST(SettingsLookup, IndexedListAnswersAsAScanWould)
+{
+    // Random appends and removals on a list large enough to be indexed,
+    // checked against a plain scan after each step.
+    std::mt19937 random(7);
+    RecordList list(TypeKeyValue);
+    std::vector<std::string> names;
+    for (int i = 0; i < 60; ++i)
+        names.push_back("k" + std::to_string(i));
+    auto scan = [&](const std::string & name) -> const Data *
+    {
+        for (const auto & record : list.GetRecords())
+            if (record->m_type == TypeKeyValue &&
+                SameName(record->m_text.data(), record->m_text.size(), name.data(), name.size()))
+                return record.get();
+        return nullptr;
+    };
+    for (int step = 0; step < 4000; ++step)
+    {
+        std::string name = names[random() % names.size()];
+        if (random() % 2)
+            std::transform(name.begin(), name.end(), name.begin(), ::toupper);
+        switch (random() % 3)
+        {
+        case 0:
+        {
+            std::unique_ptr<KeyValue> record(new KeyValue);
+            record->m_text = name;
+            list.Append(std::move(record));
+            break;
+        }
+        case 1:
+        {
+            std::unique_ptr<Other> record(new Other);
+            record->m_text = name; // not a keyed record: never found
+            list.Append(std::move(record));
+            break;
+        }
+        default:
+            list.RemoveKeyed(name.data(), name.size());
+            break;
+        }
+        for (const std::string & probe : {names[random() % names.size()], name})
+            ASSERT_EQ(list.FindKeyed(probe), scan(probe)) << "step " << step;
+    }
+}
