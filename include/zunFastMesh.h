@@ -29,9 +29,9 @@
 // Remove, whose elements are gone by then and only the block stays large.
 //
 // Iterators hold the address of the array's block pointer and an index, so
-// they stay valid when the block is replaced; reverse iterators start at
-// Count() and lower the index before each read. ForEach, FindIf and
-// CircularFindIf are the older walking family, kept for existing callers.
+// they stay valid when the block is replaced (zunIndexIterator.h). ForEach,
+// FindIf and CircularFindIf are the older walking family, kept for existing
+// callers.
 //
 // An array has no lock: share it read-only, or lock outside.
 //
@@ -47,6 +47,7 @@
 #include <type_traits>
 
 #include "zunConfig.h"
+#include "zunIndexIterator.h"
 #include "zunMem.h"
 #include "zunTypes.h"
 
@@ -58,92 +59,21 @@ public:
     /// The largest capacity: the block's byte size must fit 32 bits.
     static constexpr unsigned int MaxCapacity = static_cast<unsigned int>(0xFFFFF000u / sizeof(T));
 
-    /// A random-access iterator over the elements (E is T or const T). It holds
-    /// the address of the array's m_pData and an index, so it survives growth
-    /// and shrinking; it is invalid once the array itself is gone.
-    template <typename E> class Iterator
+private:
+    // Iterators read through the address of m_pData (see zunIndexIterator.h).
+    struct ElementAccess
     {
-    public:
-        using iterator_category = std::random_access_iterator_tag;
-        using value_type = std::remove_const_t<E>;
-        using difference_type = std::ptrdiff_t;
-        using pointer = E *;
-        using reference = E &;
-
-        Iterator() = default;
-        Iterator(T * const * data, unsigned int index) : m_ppData(data), m_nIndex(index) {}
-        /// An iterator converts to a const iterator.
-        template <typename Other, typename = std::enable_if_t<std::is_same<Other, T>::value && std::is_const<E>::value>>
-        Iterator(const Iterator<Other> & other) : m_ppData(other.m_ppData), m_nIndex(other.m_nIndex)
-        {
-        }
-
-        reference operator*() const { return (*m_ppData)[m_nIndex]; }
-        pointer operator->() const { return *m_ppData + m_nIndex; }
-        reference operator[](difference_type offset) const { return *(*this + offset); }
-        /// The element index this iterator stands at.
-        unsigned int Index() const { return m_nIndex; }
-
-        Iterator & operator++()
-        {
-            ++m_nIndex;
-            return *this;
-        }
-        Iterator operator++(int)
-        {
-            Iterator before = *this;
-            ++m_nIndex;
-            return before;
-        }
-        Iterator & operator--()
-        {
-            --m_nIndex;
-            return *this;
-        }
-        Iterator operator--(int)
-        {
-            Iterator before = *this;
-            --m_nIndex;
-            return before;
-        }
-        Iterator & operator+=(difference_type offset)
-        {
-            m_nIndex = static_cast<unsigned int>(m_nIndex + offset);
-            return *this;
-        }
-        Iterator & operator-=(difference_type offset)
-        {
-            m_nIndex = static_cast<unsigned int>(m_nIndex - offset);
-            return *this;
-        }
-        friend Iterator operator+(Iterator it, difference_type offset) { return it += offset; }
-        friend Iterator operator+(difference_type offset, Iterator it) { return it += offset; }
-        friend Iterator operator-(Iterator it, difference_type offset) { return it -= offset; }
-        friend difference_type operator-(const Iterator & a, const Iterator & b)
-        {
-            return static_cast<difference_type>(a.m_nIndex) - static_cast<difference_type>(b.m_nIndex);
-        }
-
-        friend bool operator==(const Iterator & a, const Iterator & b)
-        {
-            return a.m_nIndex == b.m_nIndex && a.m_ppData == b.m_ppData;
-        }
-        friend bool operator!=(const Iterator & a, const Iterator & b) { return !(a == b); }
-        friend bool operator<(const Iterator & a, const Iterator & b) { return a.m_nIndex < b.m_nIndex; }
-        friend bool operator>(const Iterator & a, const Iterator & b) { return b < a; }
-        friend bool operator<=(const Iterator & a, const Iterator & b) { return !(b < a); }
-        friend bool operator>=(const Iterator & a, const Iterator & b) { return !(a < b); }
-
-    private:
-        template <typename> friend class Iterator;
-
-        T * const * m_ppData = nullptr;
-        unsigned int m_nIndex = 0;
+        static T & Get(T * const * block, unsigned int index) { return (*block)[index]; }
+    };
+    struct ConstElementAccess
+    {
+        static const T & Get(T * const * block, unsigned int index) { return (*block)[index]; }
     };
 
+public:
     using value_type = T;
-    using iterator = Iterator<T>;
-    using const_iterator = Iterator<const T>;
+    using iterator = zunIndexIteratorT<T * const, ElementAccess>;
+    using const_iterator = zunIndexIteratorT<T * const, ConstElementAccess>;
     using reverse_iterator = std::reverse_iterator<iterator>;
     using const_reverse_iterator = std::reverse_iterator<const_iterator>;
 

@@ -145,8 +145,13 @@ template <typename C, typename H> struct zunStringT
     /// Length(), or `count` is 0.
     zunStringT SubString(unsigned int position, unsigned int count) const;
 
-    // Split (a list of the pieces between separators) joins the interface
-    // with zunStringListT.
+    /// The pieces of the text between units that occur in `separators`, from
+    /// `start` on, as a list (see zunStringList.h, which defines it). Each
+    /// separator is a single unit; empty pieces (leading, trailing, doubled
+    /// separators) give no entry. Null `separators` give the rest of the text
+    /// as one entry; a string with no text gives an empty list. `start` must
+    /// not lie behind the end.
+    zunStringListT<C> Split(const C * separators, unsigned int start) const;
 
     // ---- Editing: each returns the string and keeps it on a failed allocation.
 

@@ -560,6 +560,8 @@ TEST_F(FastMeshTest, IteratorsWorkWithStandardAlgorithms)
     EXPECT_EQ(std::find(mesh.begin(), mesh.end(), 7).Index(), 3u);
     std::reverse(mesh.begin(), mesh.end());
     EXPECT_EQ(Elements(mesh), (std::vector<int>{9, 7, 5, 3, 1}));
+    static_assert(!std::is_convertible<zunFastMesh<int>::const_iterator, zunFastMesh<int>::iterator>::value,
+                  "a const iterator must not give write access");
     zunFastMesh<int>::const_iterator converted = mesh.begin();
     EXPECT_TRUE(converted == mesh.begin());
     EXPECT_TRUE(mesh.begin() < mesh.end());

@@ -1,4 +1,5 @@
-// Demo sections of the containers: the growable array.
+// Demo sections of the containers: the growable array, the string list and
+// the library's self-test.
 #include <zunFoundation.h>
 
 #include <cstdio>
@@ -30,4 +31,34 @@ ZUN_DEMO_SECTION(30, "Growable arrays")
     std::printf("first element above 3.0 is at index %u; walking back from index 2:", found);
     values.ForEach(2, 0, [](double v) { std::printf(" %.1f", v); });
     std::printf("\n");
+}
+
+ZUN_DEMO_SECTION(31, "String lists")
+{
+    zunStringList parts = zunString("/usr//local/share/").Split("/", 0);
+    std::printf("\"/usr//local/share/\" split on '/' gives %u entries:", parts.Count());
+    for (const char * part : parts)
+        std::printf(" [%s]", part);
+    std::printf("\n");
+
+    parts.Insert("opt", 0);
+    parts.InsertList(zunStringList{"fonts", "truetype"}, 0xFFFFFFFF);
+    std::printf("after inserts:");
+    for (const char * part : parts)
+        std::printf(" %s", part);
+    std::printf("\n\"share\" is entry %u, \"Share\" is %s\n", parts.Find("share"),
+                parts.Find("Share") == 0xFFFFFFFF ? "not found (case counts)" : "found");
+
+    parts.Truncate(2);
+    std::printf("truncated to %u entries, in reverse:", parts.Count());
+    for (auto it = parts.rbegin(); it != parts.rend(); ++it)
+        std::printf(" %s", *it);
+    std::printf("\n");
+}
+
+ZUN_DEMO_SECTION(32, "The library's self-test")
+{
+    std::printf("zunFoundation_UnitTest() prints its headings; any other line is a failed check:\n");
+    std::fflush(stdout);
+    zunFoundation_UnitTest();
 }

@@ -41,6 +41,9 @@ int main()
         failures += !ids.Add(i * 3);
     failures += ids.Count() != 20 || ids.FindIf(0, 0xFFFFFFFF, [](unsigned int v) { return v == 30; }) != 10;
 
+    zunStringList parts = zunString("a,,b").Split(",", 0);
+    failures += parts.Count() != 2 || parts.Find("b") != 1;
+
     try
     {
         throw zunException("consumer:1", "int __cdecl main(void)").SetDebugDescription("%d", 7);
