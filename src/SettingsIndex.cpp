@@ -1,26 +1,27 @@
 // The case-insensitive hash index of the settings records.
 #include "SettingsIndex.h"
 
-#include <cctype>
 #include <new>
 
 #include "SettingsRecords.h"
+#include "platform/Text.h"
 
 namespace zunSettingsPrivate
 {
     namespace
     {
-        constexpr std::size_t kFirstSize = 64;
+        constexpr std::size_t kFirstSize = 32;
     }
 
     std::uint64_t NameIndex::Hash(const char * text, std::size_t length)
     {
         // FNV-1a over the lowered bytes: names that SameName calls equal
         // hash alike.
+        const std::int32_t * lower = zunPlatform::LowerByteTable();
         std::uint64_t hash = 14695981039346656037ull;
         for (std::size_t i = 0; i < length; ++i)
         {
-            hash ^= static_cast<unsigned char>(std::tolower(static_cast<unsigned char>(text[i])));
+            hash ^= static_cast<unsigned char>(lower[static_cast<unsigned char>(text[i])]);
             hash *= 1099511628211ull;
         }
         return hash;
@@ -40,11 +41,11 @@ namespace zunSettingsPrivate
         }
     }
 
-    Data * NameIndex::Find(const char * text, std::size_t length) const
+    NameIndex::Lookup NameIndex::Find(const char * text, std::size_t length) const
     {
-        if (m_slots.empty())
-            return nullptr;
-        return m_slots[Probe(Hash(text, length), text, length)].record;
+        const std::uint64_t hash = Hash(text, length);
+        const std::size_t slot = Probe(hash, text, length);
+        return Lookup{m_slots[slot].record, slot, hash};
     }
 
     bool NameIndex::Grow()
@@ -75,23 +76,33 @@ namespace zunSettingsPrivate
 
     bool NameIndex::Insert(Data * record)
     {
-        if ((m_count + 1) * 2 > m_slots.size() && !Grow())
+        if (!IsBuilt() && !Grow())
             return false;
-        const std::uint64_t hash = Hash(record->m_text.data(), record->m_text.size());
-        Slot & slot = m_slots[Probe(hash, record->m_text.data(), record->m_text.size())];
-        if (slot.record == nullptr)
+        return Insert(record, Find(record->m_text.data(), record->m_text.size()));
+    }
+
+    bool NameIndex::Insert(Data * record, const Lookup & missed)
+    {
+        if (missed.record != nullptr)
+            return true; // the first record of that text stays
+        if ((m_count + 1) * 4 <= m_slots.size() * 3)
         {
-            slot = Slot{hash, record};
+            m_slots[missed.slot] = Slot{missed.hash, record};
             ++m_count;
+            return true;
         }
+        if (!Grow())
+            return false;
+        m_slots[Probe(missed.hash, record->m_text.data(), record->m_text.size())] = Slot{missed.hash, record};
+        ++m_count;
         return true;
     }
 
     void NameIndex::Erase(const char * text, std::size_t length)
     {
-        if (m_slots.empty())
+        if (!IsBuilt())
             return;
-        std::size_t hole = Probe(Hash(text, length), text, length);
+        std::size_t hole = Find(text, length).slot;
         if (m_slots[hole].record == nullptr)
             return;
         // Backward shift: pull later entries of the probe run into the hole

@@ -5,9 +5,13 @@
 #include <algorithm>
 #include <cctype>
 #include <climits>
+#include <cstdint>
 #include <cstring>
+#include <new>
 #include <ostream>
+#include <string_view>
 
+#include "platform/Text.h"
 #include "zunException.h"
 #include "zunMem.h"
 
@@ -21,40 +25,120 @@ namespace zunSettingsPrivate
     namespace
     {
         // Below this many records a scan is cheaper than building an index.
-        constexpr std::size_t kIndexFrom = 16;
+        constexpr std::size_t kIndexFrom = 8;
 
         bool IsSpace(char c)
         {
-            return std::isspace(static_cast<unsigned char>(c)) != 0;
+            // Printable ASCII is never white space in any locale; the runtime
+            // is asked about the rest.
+            const unsigned char byte = static_cast<unsigned char>(c);
+            return (byte < 0x21 || byte > 0x7E) && std::isspace(byte) != 0;
+        }
+
+        bool StartsWith(const char * text, std::size_t length, const std::string & prefix)
+        {
+            if (length < prefix.size())
+                return false;
+            for (std::size_t i = 0; i < prefix.size(); ++i) // shorter than a call of memcmp
+                if (text[i] != prefix[i])
+                    return false;
+            return true;
+        }
+
+        // The first index of a grammar text in `text`, or npos. The grammar
+        // texts are single characters, whose search is a memchr.
+        std::size_t Find(const char * text, std::size_t length, const std::string & grammar)
+        {
+            if (grammar.size() != 1)
+                return std::string_view(text, length).find(grammar);
+            const void * found = std::memchr(text, grammar[0], length);
+            return found != nullptr ? static_cast<std::size_t>(static_cast<const char *>(found) - text)
+                                    : std::string::npos;
+        }
+
+        bool IsCommentCharacter(char c)
+        {
+            for (char comment : g_commentCharacters)
+                if (c == comment)
+                    return true;
+            return false;
+        }
+
+        // Places texts in the bytes behind a record, each with a terminator.
+        class TextPlacer
+        {
+        public:
+            explicit TextPlacer(Data * record, std::size_t recordSize)
+                : m_pNext(reinterpret_cast<char *>(record) + recordSize)
+            {
+            }
+            static std::size_t BytesFor(std::size_t length) { return length != 0 ? length + 1 : 0; }
+            void Place(RecordText & target, const char * text, std::size_t length)
+            {
+                if (length == 0)
+                    return; // the empty text needs no bytes
+                std::memcpy(m_pNext, text, length);
+                m_pNext[length] = 0;
+                target.Refer(m_pNext, length);
+                m_pNext += length + 1;
+            }
+
+        private:
+            char * m_pNext;
+        };
+
+        std::ostream & Put(std::ostream & stream, const char * text, std::size_t length)
+        {
+            return stream.write(text, static_cast<std::streamsize>(length));
+        }
+
+        std::ostream & Put(std::ostream & stream, const RecordText & text)
+        {
+            return Put(stream, text.data(), text.size());
         }
 
         std::ostream & Put(std::ostream & stream, const std::string & text)
         {
-            return stream.write(text.data(), static_cast<std::streamsize>(text.size()));
+            return Put(stream, text.data(), text.size());
         }
+
+        // Each record is preceded by 8 bytes that tell where its block came
+        // from; records need no alignment above 8.
+        enum : std::uint64_t
+        {
+            FromHeap = 0x48656170,
+            FromArena = 0x4172656E,
+        };
+        constexpr std::size_t kRecordPrefix = 8;
     }
 
     bool SameName(const char * a, std::size_t aLength, const char * b, std::size_t bLength)
     {
         if (aLength != bLength)
             return false;
-        for (std::size_t i = 0; i < aLength; ++i)
+        std::size_t i = 0;
+        while (i < aLength && a[i] == b[i])
+            ++i;
+        if (i == aLength)
+            return true;
+        const std::int32_t * lower = zunPlatform::LowerByteTable();
+        for (; i < aLength; ++i)
         {
-            if (a[i] != b[i] &&
-                std::tolower(static_cast<unsigned char>(a[i])) != std::tolower(static_cast<unsigned char>(b[i])))
+            if (a[i] != b[i] && lower[static_cast<unsigned char>(a[i])] != lower[static_cast<unsigned char>(b[i])])
                 return false;
         }
         return true;
     }
 
-    DataType ClassifyLine(const std::string & line)
+    DataType ClassifyLine(const char * line, std::size_t length, std::size_t & position)
     {
-        if (line.compare(0, g_sectionOpen.size(), g_sectionOpen) == 0 && line.find(g_sectionClose) != std::string::npos)
+        if (StartsWith(line, length, g_sectionOpen) &&
+            (position = Find(line, length, g_sectionClose)) != std::string::npos)
             return TypeSection;
         // The first comment character counts only where it stands at index 0.
-        if (!line.empty() && g_commentCharacters.find(line[0]) != std::string::npos)
+        if (length > 0 && IsCommentCharacter(line[0]))
             return TypeOther;
-        if (line.find(g_keyValueSeparator) != std::string::npos)
+        if ((position = Find(line, length, g_keyValueSeparator)) != std::string::npos)
             return TypeKeyValue;
         return TypeOther;
     }
@@ -63,17 +147,29 @@ namespace zunSettingsPrivate
 
     Data::~Data() = default;
 
-    void * Data::operator new(std::size_t size) noexcept
+    void * Data::operator new(std::size_t size, RecordArena * arena, std::size_t textBytes) noexcept
     {
         void * block = nullptr;
-        if (size > UINT_MAX || !zunMemAlloc(block, static_cast<unsigned int>(size), false))
+        if (textBytes > SIZE_MAX / 2 || size > SIZE_MAX / 4)
             return nullptr;
-        return block;
+        const std::size_t bytes = kRecordPrefix + size + textBytes;
+        if (arena != nullptr)
+            block = arena->Allocate(bytes, 8);
+        else if (bytes > UINT_MAX || !zunMemAlloc(block, static_cast<unsigned int>(bytes), false))
+            block = nullptr;
+        if (block == nullptr)
+            return nullptr;
+        *static_cast<std::uint64_t *>(block) = arena != nullptr ? FromArena : FromHeap;
+        return static_cast<char *>(block) + kRecordPrefix;
     }
 
-    void Data::operator delete(void * block) noexcept
+    void Data::operator delete(void * record) noexcept
     {
-        zunMemFree(block);
+        if (record == nullptr)
+            return;
+        void * block = static_cast<char *>(record) - kRecordPrefix;
+        if (*static_cast<std::uint64_t *>(block) == FromHeap)
+            zunMemFree(block);
     }
 
     std::ostream & Data::WriteLineEnd(std::ostream & stream) const
@@ -89,22 +185,15 @@ namespace zunSettingsPrivate
         return WriteLineEnd(stream);
     }
 
-    std::unique_ptr<Other> Other::FromLine(const std::string & line, bool crlf) noexcept
+    std::unique_ptr<Other> Other::FromLine(const char * line, std::size_t length, bool crlf,
+                                           RecordArena * arena) noexcept
     {
-        try
-        {
-            std::unique_ptr<Other> record(new Other);
-            if (record)
-            {
-                record->m_text = line;
-                record->m_crlf = crlf;
-            }
-            return record;
-        }
-        catch (...)
-        {
+        std::unique_ptr<Other> record(new (arena, TextPlacer::BytesFor(length)) Other);
+        if (!record)
             return nullptr;
-        }
+        TextPlacer(record.get(), sizeof(Other)).Place(record->m_text, line, length);
+        record->m_crlf = crlf;
+        return record;
     }
 
     // ---- KeyValue
@@ -122,65 +211,91 @@ namespace zunSettingsPrivate
         return WriteLineEnd(stream);
     }
 
-    void KeyValue::ParseValue(const char * text, std::size_t length)
+    namespace
     {
-        std::size_t start = 0;
-        while (start < length && IsSpace(text[start]))
-            ++start;
+        // Where the parts of a value text stand, by the value rule.
+        struct ValueParts
+        {
+            const char * value;
+            std::size_t valueLength;
+            const char * trailing;
+            std::size_t trailingLength;
+            char quote;
 
-        std::string value, trailing;
-        char quote = 0;
-        const char open = start < length ? text[start] : 0;
-        const void * close = nullptr;
-        if (open == '"' || open == '\'')
-            close = std::memchr(text + start + 1, open, length - start - 1); // no escapes
-        if (close != nullptr)
-        {
-            const char * end = static_cast<const char *>(close);
-            quote = open;
-            value.assign(text + start + 1, end);
-            trailing.assign(end + 1, text + length);
-        }
-        else
-        {
-            // Unquoted, or a quote that never closes: all the rest, as it stands.
-            value.assign(text + start, length - start);
-        }
-        m_value.swap(value);
-        m_trailing.swap(trailing);
-        m_quote = quote;
+            ValueParts(const char * text, std::size_t length)
+            {
+                std::size_t start = 0;
+                while (start < length && IsSpace(text[start]))
+                    ++start;
+                const char open = start < length ? text[start] : 0;
+                const char * close = nullptr;
+                if (open == '"' || open == '\'')
+                    close = static_cast<const char *>(std::memchr(text + start + 1, open, length - start - 1));
+                if (close != nullptr) // no escapes: the next same quote closes
+                {
+                    value = text + start + 1;
+                    valueLength = static_cast<std::size_t>(close - value);
+                    trailing = close + 1;
+                    trailingLength = static_cast<std::size_t>(text + length - trailing);
+                    quote = open;
+                }
+                else // unquoted, or a quote that never closes: all the rest, as it stands
+                {
+                    value = text + start;
+                    valueLength = length - start;
+                    trailing = text + length;
+                    trailingLength = 0;
+                    quote = 0;
+                }
+            }
+        };
     }
 
-    std::unique_ptr<KeyValue> KeyValue::FromLine(const std::string & line, std::size_t separator, bool crlf) noexcept
+    bool KeyValue::ParseValue(const char * text, std::size_t length, RecordArena * arena) noexcept
     {
-        try
+        const ValueParts parts(text, length);
+        RecordText value, trailing;
+        if (!value.Assign(parts.value, parts.valueLength, arena) ||
+            !trailing.Assign(parts.trailing, parts.trailingLength, arena))
+            return false;
+        m_value.Swap(value);
+        m_trailing.Swap(trailing);
+        m_quote = parts.quote;
+        return true;
+    }
+
+    std::unique_ptr<KeyValue> KeyValue::FromLine(const char * line, std::size_t length, std::size_t separator,
+                                                 bool crlf, RecordArena * arena) noexcept
+    {
+        // A key that opens with white space is no key at all; otherwise only
+        // its end is trimmed.
+        std::size_t keyEnd = 0;
+        if (separator > 0 && !IsSpace(line[0]))
         {
-            std::unique_ptr<KeyValue> record(new KeyValue);
-            if (!record)
-                return nullptr;
-            // A key that opens with white space is no key at all; otherwise
-            // only its end is trimmed.
-            if (separator > 0 && !IsSpace(line[0]))
-            {
-                std::size_t end = separator;
-                while (end > 0 && IsSpace(line[end - 1]))
-                    --end;
-                record->m_text.assign(line, 0, end);
-            }
-            const std::size_t valueStart = separator + g_keyValueSeparator.size();
-            record->ParseValue(line.data() + valueStart, line.size() - valueStart);
-            record->m_crlf = crlf;
-            return record;
+            keyEnd = separator;
+            while (keyEnd > 0 && IsSpace(line[keyEnd - 1]))
+                --keyEnd;
         }
-        catch (...)
-        {
+        const std::size_t valueStart = separator + g_keyValueSeparator.size();
+        const ValueParts parts(line + valueStart, length - valueStart);
+
+        const std::size_t textBytes = TextPlacer::BytesFor(keyEnd) + TextPlacer::BytesFor(parts.valueLength) +
+                                      TextPlacer::BytesFor(parts.trailingLength);
+        std::unique_ptr<KeyValue> record(new (arena, textBytes) KeyValue);
+        if (!record)
             return nullptr;
-        }
+        TextPlacer texts(record.get(), sizeof(KeyValue));
+        texts.Place(record->m_text, line, keyEnd);
+        texts.Place(record->m_value, parts.value, parts.valueLength);
+        texts.Place(record->m_trailing, parts.trailing, parts.trailingLength);
+        record->m_quote = parts.quote;
+        record->m_crlf = crlf;
+        return record;
     }
 
     // ---- RecordList
 
-    Data * RecordList::FindKeyed(const char * text, std::size_t length) const
+    bool RecordList::UseIndex() const
     {
         if (!m_index.IsBuilt() && m_records.size() >= kIndexFrom)
         {
@@ -190,8 +305,11 @@ namespace zunSettingsPrivate
                     break; // no memory for the index: scan instead
             }
         }
-        if (m_index.IsBuilt())
-            return m_index.Find(text, length);
+        return m_index.IsBuilt();
+    }
+
+    Data * RecordList::Scan(const char * text, std::size_t length) const
+    {
         for (const std::unique_ptr<Data> & record : m_records)
         {
             if (record->m_type == m_keyedType && SameName(record->m_text.data(), record->m_text.size(), text, length))
@@ -200,12 +318,35 @@ namespace zunSettingsPrivate
         return nullptr;
     }
 
+    Data * RecordList::FindKeyed(const char * text, std::size_t length) const
+    {
+        return UseIndex() ? m_index.Find(text, length).record : Scan(text, length);
+    }
+
     void RecordList::Append(std::unique_ptr<Data> record)
     {
         m_records.push_back(std::move(record));
         Data * added = m_records.back().get();
         if (m_index.IsBuilt() && added->m_type == m_keyedType)
             m_index.Insert(added);
+    }
+
+    Data * RecordList::FindOrAppend(std::unique_ptr<Data> & record)
+    {
+        const RecordText & text = record->m_text;
+        if (!UseIndex())
+        {
+            if (Data * found = Scan(text.data(), text.size()))
+                return found;
+            m_records.push_back(std::move(record));
+            return nullptr;
+        }
+        const NameIndex::Lookup lookup = m_index.Find(text.data(), text.size());
+        if (lookup.record != nullptr)
+            return lookup.record;
+        m_records.push_back(std::move(record)); // leaves `record` alone if it throws
+        m_index.Insert(m_records.back().get(), lookup);
+        return nullptr;
     }
 
     std::size_t RecordList::RemoveKeyed(const char * text, std::size_t length)
@@ -248,19 +389,18 @@ namespace zunSettingsPrivate
         return m_children.Write(stream);
     }
 
-    void Section::Add(std::unique_ptr<Data> record)
+    void Section::Add(std::unique_ptr<Data> record, RecordArena * arena)
     {
         switch (record->m_type)
         {
         case TypeKeyValue:
-            if (Data * existing = m_children.FindKeyed(record->m_text))
+            if (Data * existing = m_children.FindOrAppend(record))
             {
                 // A repeated key keeps its first place and takes the last value.
-                const std::string & value = static_cast<KeyValue &>(*record).m_value;
-                static_cast<KeyValue *>(existing)->ParseValue(value.data(), value.size());
-                return;
+                const RecordText & value = static_cast<KeyValue &>(*record).m_value;
+                if (!static_cast<KeyValue *>(existing)->ParseValue(value.data(), value.size(), arena))
+                    throw std::bad_alloc();
             }
-            m_children.Append(std::move(record));
             return;
         case TypeOther:
             m_children.Append(std::move(record));
@@ -275,24 +415,21 @@ namespace zunSettingsPrivate
         }
     }
 
-    std::unique_ptr<Section> Section::FromLine(const std::string & line, bool crlf) noexcept
+    std::unique_ptr<Section> Section::FromLine(const char * line, std::size_t length, std::size_t close, bool crlf,
+                                               RecordArena * arena) noexcept
     {
-        try
-        {
-            std::unique_ptr<Section> record(new Section);
-            if (!record)
-                return nullptr;
-            const std::size_t open = line.find(g_sectionOpen);
-            const std::size_t close = line.find(g_sectionClose);
-            const std::size_t nameStart = open + g_sectionOpen.size();
-            record->m_text.assign(line, nameStart, close - nameStart);
-            record->m_trailing.assign(line, close + g_sectionClose.size(), std::string::npos);
-            record->m_crlf = crlf;
-            return record;
-        }
-        catch (...)
-        {
+        const std::size_t nameStart = g_sectionOpen.size();
+        const std::size_t nameLength = close - nameStart;
+        const std::size_t trailingStart = close + g_sectionClose.size();
+        const std::size_t trailingLength = length - trailingStart;
+        std::unique_ptr<Section> record(
+            new (arena, TextPlacer::BytesFor(nameLength) + TextPlacer::BytesFor(trailingLength)) Section);
+        if (!record)
             return nullptr;
-        }
+        TextPlacer texts(record.get(), sizeof(Section));
+        texts.Place(record->m_text, line + nameStart, nameLength);
+        texts.Place(record->m_trailing, line + trailingStart, trailingLength);
+        record->m_crlf = crlf;
+        return record;
     }
 }

@@ -22,8 +22,10 @@
 // newline included, it is text. This is what a text stream does on the
 // platforms that translate line ends, so values never carry a stray '\r'.
 //
-// Records come from zunMemAlloc (class operator new): an exhausted heap gives
-// a null record, which the reader turns into its exception.
+// Memory. A record read from a file lives in the file's arena with its texts
+// in the same block, so a line costs one pointer bump; records and texts made
+// later take heap blocks of their own. An exhausted heap gives a null record or a false result, which
+// the reader turns into its exception and the setters into "nothing changed".
 #ifndef ZUN_SETTINGS_RECORDS_H
 #define ZUN_SETTINGS_RECORDS_H
 
@@ -34,7 +36,9 @@
 #include <string>
 #include <vector>
 
+#include "SettingsArena.h"
 #include "SettingsIndex.h"
+#include "SettingsText.h"
 #include "zunConfig.h"
 
 namespace zunSettingsPrivate
@@ -61,14 +65,26 @@ namespace zunSettingsPrivate
         /// Writes the record as text, its line end included; gives the stream.
         virtual std::ostream & Write(std::ostream & stream) const = 0;
 
-        /// Records live in zunMemAlloc blocks. Null when the heap is
-        /// exhausted: `new` then gives null and constructs nothing.
-        static void * operator new(std::size_t size) noexcept;
-        static void operator delete(void * block) noexcept;
+        /// A record lives in a zunMemAlloc block, or in `arena` when one is
+        /// given (null: the heap). Null when memory is exhausted: `new` then
+        /// gives null and constructs nothing. `delete` gives a heap block
+        /// back and leaves an arena's block to its arena, which must outlive
+        /// the record.
+        static void * operator new(std::size_t size) noexcept { return operator new(size, nullptr, 0); }
+        static void * operator new(std::size_t size, RecordArena * arena) noexcept
+        {
+            return operator new(size, arena, 0);
+        }
+        /// The same with `textBytes` more behind the record, where its
+        /// texts can stand (see RecordText::Refer).
+        static void * operator new(std::size_t size, RecordArena * arena, std::size_t textBytes) noexcept;
+        static void operator delete(void * record) noexcept;
+        static void operator delete(void * record, RecordArena *) noexcept { operator delete(record); }
+        static void operator delete(void * record, RecordArena *, std::size_t) noexcept { operator delete(record); }
 
         DataType m_type;
-        std::string m_text; ///< KeyValue: the key. Section: the name. Other: the whole line.
-        bool m_crlf;        ///< the line ended in CR LF; written back so
+        bool m_crlf;       ///< the line ended in CR LF; written back so
+        RecordText m_text; ///< KeyValue: the key. Section: the name. Other: the whole line.
 
     protected:
         explicit Data(DataType type) : m_type(type), m_crlf(false) {}
@@ -82,8 +98,10 @@ namespace zunSettingsPrivate
         Other() : Data(TypeOther) {}
         std::ostream & Write(std::ostream & stream) const override;
 
-        /// The record of `line`; null when memory is exhausted.
-        static std::unique_ptr<Other> FromLine(const std::string & line, bool crlf) noexcept;
+        /// The record of `line`, in `arena` (null: the heap), its text in
+        /// the record's block; null when memory is exhausted.
+        static std::unique_ptr<Other> FromLine(const char * line, std::size_t length, bool crlf,
+                                               RecordArena * arena) noexcept;
     };
 
     /// key=value, the value possibly in quotes with text behind them.
@@ -96,19 +114,22 @@ namespace zunSettingsPrivate
         /// white space skipped; a value that opens with " or ' runs to the next
         /// same quote (no escapes) and the rest is the trailing text; without
         /// a closing quote, or without an opening one, the value is all the
-        /// rest, trailing blanks and comment-like text included. All or
-        /// nothing: std::bad_alloc leaves the record as it was.
-        void ParseValue(const char * text, std::size_t length);
+        /// rest, trailing blanks and comment-like text included. The texts go
+        /// to `arena` (null: the heap). All or nothing: false, with the record
+        /// as it was, when memory is exhausted.
+        bool ParseValue(const char * text, std::size_t length, RecordArena * arena) noexcept;
 
-        /// The record of a line whose first "=" stands at `separator`: the key
-        /// is the text in front of it, emptied when it starts with white space
-        /// and otherwise cut of trailing white space; the value is parsed from
-        /// the rest. Null when memory is exhausted.
-        static std::unique_ptr<KeyValue> FromLine(const std::string & line, std::size_t separator, bool crlf) noexcept;
+        /// The record of a line whose first "=" stands at `separator`: the
+        /// key is the text in front of it, emptied when it starts with white
+        /// space and otherwise cut of trailing white space; the value is
+        /// parsed from the rest. In `arena` (null: the heap), the texts in
+        /// the record's block; null when memory is exhausted.
+        static std::unique_ptr<KeyValue> FromLine(const char * line, std::size_t length, std::size_t separator,
+                                                  bool crlf, RecordArena * arena) noexcept;
 
-        std::string m_value;    ///< without its quotes
-        std::string m_trailing; ///< the text behind a closing quote
-        char m_quote;           ///< '"' or '\'', 0 for none
+        char m_quote;          ///< '"' or '\'', 0 for none
+        RecordText m_value;    ///< without its quotes
+        RecordText m_trailing; ///< the text behind a closing quote
     };
 
     /// A sequence of owned records with a case-insensitive lookup of the
@@ -132,11 +153,16 @@ namespace zunSettingsPrivate
         /// The first record of the keyed type whose text equals `text`
         /// ignoring case, or null.
         Data * FindKeyed(const char * text, std::size_t length) const;
-        Data * FindKeyed(const std::string & text) const { return FindKeyed(text.data(), text.size()); }
+        Data * FindKeyed(const RecordText & text) const { return FindKeyed(text.data(), text.size()); }
 
         /// Appends `record`. On std::bad_alloc the record is deleted and the
         /// list is as it was.
         void Append(std::unique_ptr<Data> record);
+        /// For a record of the keyed type: the first record of its text if
+        /// there is one, `record` staying with the caller; otherwise appends
+        /// `record` and gives null. On std::bad_alloc `record` stays with the
+        /// caller and the list is as it was.
+        Data * FindOrAppend(std::unique_ptr<Data> & record);
         /// Deletes every record of the keyed type with that text (ignoring
         /// case), keeping the order of the rest; the number deleted.
         std::size_t RemoveKeyed(const char * text, std::size_t length);
@@ -147,6 +173,10 @@ namespace zunSettingsPrivate
         std::ostream & Write(std::ostream & stream) const;
 
     private:
+        // Builds the index once the list is long enough; true when it is there.
+        bool UseIndex() const;
+        Data * Scan(const char * text, std::size_t length) const;
+
         Records m_records;
         DataType m_keyedType;
         mutable NameIndex m_index;
@@ -159,26 +189,37 @@ namespace zunSettingsPrivate
         std::ostream & Write(std::ostream & stream) const override;
 
         /// Adds a child record. A KeyValue whose key is there already (ignoring
-        /// case) is not added: its bare m_value goes through ParseValue into
-        /// the existing record, which keeps its place, its key and its line
-        /// end. An Other is appended. A Section, or a record of another type,
-        /// is reported through zunFixMe and dropped. The record is owned on
-        /// every path; std::bad_alloc may leave from here with it deleted.
-        void Add(std::unique_ptr<Data> record);
+        /// case) is not added: its bare m_value goes through ParseValue, into
+        /// `arena`, into the existing record, which keeps its place, its key
+        /// and its line end. An Other is appended. A Section, or a record of
+        /// another type, is reported through zunFixMe and dropped. The record
+        /// is owned on every path; std::bad_alloc may leave from here, with
+        /// the record deleted and the section as it was.
+        void Add(std::unique_ptr<Data> record, RecordArena * arena);
 
-        /// The record of a header line that opens with "[" and holds "]": the
-        /// name lies between the first "[" and the first "]", untrimmed; the
-        /// trailing text is all behind that "]". Null when memory is exhausted.
-        static std::unique_ptr<Section> FromLine(const std::string & line, bool crlf) noexcept;
+        /// The record of a header line that opens with "[" and whose first
+        /// "]" stands at `close`: the name lies between the "[" and the "]",
+        /// untrimmed; the trailing text is all behind the "]". In `arena`
+        /// (null: the heap), the texts in the record's block; null when
+        /// memory is exhausted.
+        static std::unique_ptr<Section> FromLine(const char * line, std::size_t length, std::size_t close, bool crlf,
+                                                 RecordArena * arena) noexcept;
 
-        std::string m_trailing; ///< the text behind "]"
-        RecordList m_children;  ///< never Section records
+        RecordText m_trailing; ///< the text behind "]"
+        RecordList m_children; ///< never Section records
     };
 
     /// The kind of a line, the first rule that fits deciding: "[" at index 0
     /// and "]" anywhere: a section header; a comment character at index 0:
-    /// Other; "=" anywhere: KeyValue; anything else (the empty line too): Other.
-    ZUN_API DataType ClassifyLine(const std::string & line);
+    /// Other; "=" anywhere: KeyValue; anything else (the empty line too):
+    /// Other. `position` receives the index of the first "]" of a header or
+    /// of the first "=" of a KeyValue.
+    ZUN_API DataType ClassifyLine(const char * line, std::size_t length, std::size_t & position);
+    inline DataType ClassifyLine(const std::string & line)
+    {
+        std::size_t position = 0;
+        return ClassifyLine(line.data(), line.size(), position);
+    }
 
     /// Equal lengths and equal bytes after tolower on each side.
     ZUN_API bool SameName(const char * a, std::size_t aLength, const char * b, std::size_t bLength);

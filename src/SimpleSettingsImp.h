@@ -30,7 +30,9 @@ public:
     /// Writes every record in order; gives the stream.
     std::ostream & Write(std::ostream & stream) const;
 
-    unsigned int m_openMode;                ///< 0 closed, 1 saved at close, 2 saved at each change
+    unsigned int m_openMode; ///< 0 closed, 1 saved at close, 2 saved at each change
+    /// The records read from the file live here; it goes after m_items.
+    zunSettingsPrivate::RecordArena m_arena;
     zunSettingsPrivate::RecordList m_items; ///< the top-level sequence; keyed by section names
 };
 

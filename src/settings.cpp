@@ -4,6 +4,7 @@
 #include <new>
 #include <string>
 
+#include "SettingsLineReader.h"
 #include "SimpleSettingsImp.h"
 #include "ThrowSite.h"
 
@@ -15,50 +16,34 @@ using namespace zunSettingsPrivate;
 
 namespace
 {
-    // A carriage return right in front of the newline belongs to the line end;
-    // std::getline leaves it in the line. At the end of the stream there was
-    // no newline, so a carriage return there is text.
-    bool TakeCarriageReturn(const std::istream & stream, std::string & line)
-    {
-        if (stream.eof() || line.empty() || line.back() != '\r')
-            return false;
-        line.pop_back();
-        return true;
-    }
-
     // The three steps of storing a record; each is false when memory ran out,
     // whatever part of the step it was.
-    bool AddSection(RecordList & items, const std::string & line, bool crlf, Section *& current) noexcept
+    bool AddSection(RecordList & items, std::unique_ptr<Section> section, Section *& current) noexcept
     {
-        std::unique_ptr<Section> section = Section::FromLine(line, crlf);
         if (!section)
             return false;
-        if (Data * same = items.FindKeyed(section->m_text))
-        {
-            current = static_cast<Section *>(same); // the repeated header goes
-            return true;
-        }
-        Section * added = section.get();
+        std::unique_ptr<Data> record(std::move(section));
         try
         {
-            items.Append(std::move(section));
+            Data * same = items.FindOrAppend(record);
+            // A repeated header goes, and its lines go on into the first.
+            current = static_cast<Section *>(same != nullptr ? same : items.GetRecords().back().get());
         }
         catch (const std::bad_alloc &)
         {
             return false;
         }
-        current = added;
         return true;
     }
 
-    bool AddRecord(RecordList & items, std::unique_ptr<Data> record, Section * current) noexcept
+    bool AddRecord(RecordList & items, std::unique_ptr<Data> record, RecordArena * arena, Section * current) noexcept
     {
         if (!record)
             return false;
         try
         {
             if (current != nullptr)
-                current->Add(std::move(record));
+                current->Add(std::move(record), arena);
             else
                 items.Append(std::move(record)); // top-level keys are never merged
         }
@@ -78,23 +63,28 @@ SimpleSettingsImp::~SimpleSettingsImp() = default;
 
 void SimpleSettingsImp::Read(std::ifstream & stream)
 {
+    // The lines as std::getline gives them, up to each newline until the
+    // stream fails, a last line without newline included.
+    LineReader lines(stream);
     Section * current = nullptr;
-    std::string line;
-    while (std::getline(stream, line))
+    const char * line = nullptr;
+    std::size_t length = 0;
+    bool crlf = false;
+    while (lines.Next(line, length, crlf))
     {
-        const bool crlf = TakeCarriageReturn(stream, line);
-        switch (ClassifyLine(line))
+        std::size_t position = 0;
+        switch (ClassifyLine(line, length, position))
         {
         case TypeSection:
-            if (!AddSection(m_items, line, crlf, current))
+            if (!AddSection(m_items, Section::FromLine(line, length, position, crlf, &m_arena), current))
                 throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE);
             break;
         case TypeKeyValue:
-            if (!AddRecord(m_items, KeyValue::FromLine(line, line.find(g_keyValueSeparator), crlf), current))
+            if (!AddRecord(m_items, KeyValue::FromLine(line, length, position, crlf, &m_arena), &m_arena, current))
                 throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE);
             break;
         case TypeOther:
-            if (!AddRecord(m_items, Other::FromLine(line, crlf), current))
+            if (!AddRecord(m_items, Other::FromLine(line, length, crlf, &m_arena), &m_arena, current))
                 throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE);
             break;
         default:

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "MemTesting.h"
+#include "SettingsLineReader.h"
 #include "SettingsTestFiles.h"
 #include "SimpleSettingsImp.h"
 #include "zunException.h"
@@ -408,7 +409,7 @@ TEST(SettingsFormat, TopLevelKeysAreNeverMerged)
 TEST(SettingsFormat, SectionAcceptsNoSectionAndNoUnknownRecord)
 {
     Section section;
-    section.Add(std::unique_ptr<Data>(new Section));
+    section.Add(std::unique_ptr<Data>(new Section), nullptr);
     EXPECT_TRUE(section.m_children.IsEmpty());
 
     struct Odd : Data
@@ -416,7 +417,7 @@ TEST(SettingsFormat, SectionAcceptsNoSectionAndNoUnknownRecord)
         Odd() : Data(static_cast<DataType>(7)) {}
         std::ostream & Write(std::ostream & stream) const override { return stream; }
     };
-    section.Add(std::unique_ptr<Data>(new Odd));
+    section.Add(std::unique_ptr<Data>(new Odd), nullptr);
     EXPECT_TRUE(section.m_children.IsEmpty());
 }
 
@@ -481,13 +482,28 @@ namespace
     const char kReadSignature[] = "void __cdecl SimpleSettingsImp::Read(class std::basic_ifstream<char,struct "
                                   "std::char_traits<char> > &) throw(struct zunException)";
 
-    // Reads `bytes` with the `nth` record allocation failing; the exception.
+    // While alive, each record read takes a chunk of memory of its own, so
+    // that the nth record is the nth heap request.
+    struct ChunkPerRecord
+    {
+        const std::size_t first = RecordArena::ms_nFirstChunkBytes;
+        const std::size_t largest = RecordArena::ms_nLargestChunkBytes;
+        ChunkPerRecord() { RecordArena::ms_nFirstChunkBytes = RecordArena::ms_nLargestChunkBytes = 1; }
+        ~ChunkPerRecord()
+        {
+            RecordArena::ms_nFirstChunkBytes = first;
+            RecordArena::ms_nLargestChunkBytes = largest;
+        }
+    };
+
+    // Reads `bytes` with the `nth` heap request failing; the exception.
     zunException ReadFailing(const std::string & bytes, unsigned int nth)
     {
         settingsTest::TemporaryFolder folder;
         settingsTest::WriteBytes(folder.File("s.ini"), bytes);
         std::ifstream stream(folder.File("s.ini"));
         SimpleSettingsImp imp;
+        ChunkPerRecord chunks;
         zunMemTesting::FailAllocation(nth);
         try
         {
@@ -502,19 +518,25 @@ namespace
         ADD_FAILURE() << "no exception";
         return zunException();
     }
+
+    std::string SiteOf(unsigned int kind)
+    {
+        const std::vector<int> sites =
+            SourceLinesWith("src/settings.cpp", "throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE)");
+        EXPECT_EQ(sites.size(), 3u); // Section, KeyValue, Other, in this order
+        return sites.size() == 3 ? "src/settings.cpp:" + std::to_string(sites.at(kind)) : "";
+    }
 }
 
 TEST(SettingsReadFailure, EachRecordKindThrowsFromItsOwnSite)
 {
-    const std::vector<int> sites =
-        SourceLinesWith("src/settings.cpp", "throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE)");
-    ASSERT_EQ(sites.size(), 3u); // Section, KeyValue, Other, in this order
-
+    // One request per record: its texts stand in its block.
     const std::string file = "[s]\nk=v\n; note\n";
+    const unsigned int kinds[] = {0, 1, 2};
     for (unsigned int nth = 1; nth <= 3; ++nth)
     {
         const zunException e = ReadFailing(file, nth);
-        EXPECT_STREQ(e.GetFileAndLine(), ("src/settings.cpp:" + std::to_string(sites[nth - 1])).c_str());
+        EXPECT_EQ(std::string(e.GetFileAndLine()), SiteOf(kinds[nth - 1])) << "request " << nth;
         EXPECT_STREQ(e.GetFunction(), kReadSignature);
         EXPECT_STREQ(e.GetDebugDescription(), "");
         EXPECT_STREQ(e.GetDescription(), "");
@@ -527,9 +549,12 @@ TEST(SettingsReadFailure, RecordsReadBeforeTheFailureStayAndNothingLeaks)
     settingsTest::WriteBytes(folder.File("s.ini"), "a=1\n[s]\nb=2\nc=3\n");
     std::ifstream stream(folder.File("s.ini"));
     SimpleSettingsImp imp;
-    zunMemTesting::FailAllocation(4);
-    EXPECT_THROW(imp.Read(stream), zunException);
-    zunMemTesting::Reset();
+    {
+        ChunkPerRecord chunks;
+        zunMemTesting::FailAllocation(4);
+        EXPECT_THROW(imp.Read(stream), zunException);
+        zunMemTesting::Reset();
+    }
     std::ostringstream out;
     imp.Write(out);
     EXPECT_EQ(out.str(), "a=1\n[s]\nb=2\n");
@@ -538,11 +563,48 @@ TEST(SettingsReadFailure, RecordsReadBeforeTheFailureStayAndNothingLeaks)
 TEST(SettingsReadFailure, RepeatedHeaderNeedsMemoryAndThrowsAsASection)
 {
     // The repeated header is built before it is found to be a repeat.
-    const std::vector<int> sites =
-        SourceLinesWith("src/settings.cpp", "throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE)");
-    ASSERT_EQ(sites.size(), 3u);
-    const zunException e = ReadFailing("[s]\n[S]\n", 2);
-    EXPECT_STREQ(e.GetFileAndLine(), ("src/settings.cpp:" + std::to_string(sites[0])).c_str());
+    EXPECT_EQ(std::string(ReadFailing("[s]\n[S]\n", 2).GetFileAndLine()), SiteOf(0));
+}
+
+TEST(SettingsReadFailure, FullChunkOfTheArenaThrowsAtTheRecordThatNeedsTheNext)
+{
+    // With chunks of their usual size the records share them; the record
+    // that finds its chunk full and the heap empty throws.
+    std::string bytes;
+    for (int i = 0; i < 5000; ++i)
+        bytes += "; comment line " + std::to_string(i) + "\n";
+    settingsTest::TemporaryFolder folder;
+    settingsTest::WriteBytes(folder.File("s.ini"), bytes);
+    std::ifstream stream(folder.File("s.ini"));
+    SimpleSettingsImp imp;
+    zunMemTesting::FailAllocation(2);
+    try
+    {
+        imp.Read(stream);
+        ADD_FAILURE() << "no exception";
+    }
+    catch (const zunException & e)
+    {
+        EXPECT_EQ(std::string(e.GetFileAndLine()), SiteOf(2));
+    }
+    zunMemTesting::Reset();
+    EXPECT_GT(imp.m_items.Size(), 100u);
+    EXPECT_LT(imp.m_items.Size(), 5000u);
+}
+
+TEST(SettingsRecords, HeapAndArenaRecordsLiveSideBySide)
+{
+    RecordArena arena;
+    RecordList list(TypeKeyValue);
+    list.Append(KeyValue::FromLine("a=1", 3, 1, false, &arena));
+    list.Append(KeyValue::FromLine("b=2", 3, 1, false, nullptr));
+    list.Append(Other::FromLine("; x", 3, true, &arena));
+    ASSERT_EQ(list.Size(), 3u);
+    for (const auto & record : list.GetRecords())
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(record.get()) % alignof(KeyValue), 0u);
+    EXPECT_EQ(list.RemoveKeyed("B", 1), 1u); // a heap record goes back to the heap
+    EXPECT_EQ(list.RemoveKeyed("a", 1), 1u); // an arena record stays in the arena
+    list.Clear();
 }
 
 // ---------------------------------------------------------------------------
@@ -603,14 +665,14 @@ TEST(SettingsLookup, IndexedListAnswersAsAScanWould)
         case 0:
         {
             std::unique_ptr<KeyValue> record(new KeyValue);
-            record->m_text = name;
+            record->m_text.Assign(name.data(), name.size(), nullptr);
             list.Append(std::move(record));
             break;
         }
         case 1:
         {
             std::unique_ptr<Other> record(new Other);
-            record->m_text = name; // not a keyed record: never found
+            record->m_text.Assign(name.data(), name.size(), nullptr); // not a keyed record: never found
             list.Append(std::move(record));
             break;
         }
@@ -619,6 +681,144 @@ TEST(SettingsLookup, IndexedListAnswersAsAScanWould)
             break;
         }
         for (const std::string & probe : {names[random() % names.size()], name})
-            ASSERT_EQ(list.FindKeyed(probe), scan(probe)) << "step " << step;
+            ASSERT_EQ(list.FindKeyed(probe.data(), probe.size()), scan(probe)) << "step " << step;
     }
+}
+
+// ---------------------------------------------------------------------------
+// Lines cut out of blocks
+
+namespace
+{
+    struct CutLine
+    {
+        std::string text;
+        bool crlf;
+        bool operator==(const CutLine & other) const { return text == other.text && crlf == other.crlf; }
+    };
+
+    std::vector<CutLine> CutAll(std::istream & stream)
+    {
+        LineReader reader(stream);
+        std::vector<CutLine> lines;
+        const char * line = nullptr;
+        std::size_t length = 0;
+        bool crlf = false;
+        while (reader.Next(line, length, crlf))
+            lines.push_back(CutLine{std::string(line, length), crlf});
+        return lines;
+    }
+
+    std::vector<CutLine> CutAll(const std::string & bytes)
+    {
+        std::istringstream stream(bytes);
+        return CutAll(stream);
+    }
+
+    // What std::getline gives, with a carriage return in front of a newline
+    // taken out of the line.
+    std::vector<CutLine> GetLines(const std::string & bytes)
+    {
+        std::istringstream stream(bytes);
+        std::vector<CutLine> lines;
+        std::string line;
+        while (std::getline(stream, line))
+        {
+            const bool crlf = !stream.eof() && !line.empty() && line.back() == '\r';
+            if (crlf)
+                line.pop_back();
+            lines.push_back(CutLine{line, crlf});
+        }
+        return lines;
+    }
+}
+
+TEST(SettingsLines, AsStdGetlineGivesThem)
+{
+    for (const std::string bytes : {"", "\n", "a", "a\n", "a\nb", "\n\n", "a\r\nb\r", "\r\n\r", "x\r\r\n", "\r"})
+        EXPECT_EQ(CutAll(bytes), GetLines(bytes)) << bytes;
+}
+
+TEST(SettingsLines, LinesAcrossBlockBordersComeWhole)
+{
+    // Every position of a line end around the 64 KiB borders of the blocks.
+    const std::size_t block = 64 * 1024;
+    for (std::size_t shift = 0; shift < 4; ++shift)
+    {
+        for (const char * end : {"\n", "\r\n"})
+        {
+            std::string bytes(block - 2 + shift, 'a');
+            bytes += end;
+            bytes += std::string(block + 5, 'b') + "\r\n" + std::string(3 * block, 'c') + "\nd";
+            const std::vector<CutLine> lines = CutAll(bytes);
+            EXPECT_EQ(lines, GetLines(bytes)) << shift << " " << end;
+        }
+    }
+}
+
+TEST(SettingsLines, StreamEndsAsStdGetlineLeavesIt)
+{
+    std::istringstream stream("a\nb");
+    CutAll(stream);
+    EXPECT_TRUE(stream.eof());
+    EXPECT_TRUE(stream.fail());
+    EXPECT_FALSE(stream.bad());
+}
+
+TEST(SettingsLines, FailingStreamIsLeftBadAfterTheLinesBefore)
+{
+    // A buffer whose second refill fails, as a read error does.
+    struct Failing : std::streambuf
+    {
+        std::string first = std::string(100, 'x') + "\nrest";
+        int calls = 0;
+        int_type underflow() override
+        {
+            if (++calls > 1)
+                throw std::ios_base::failure("read error");
+            setg(first.data(), first.data(), first.data() + first.size());
+            return traits_type::to_int_type(first[0]);
+        }
+    } buffer;
+    std::istream stream(&buffer);
+    const std::vector<CutLine> lines = CutAll(stream);
+    EXPECT_TRUE(stream.bad());
+    ASSERT_EQ(lines.size(), 1u); // "rest" was cut short by the failure
+    EXPECT_EQ(lines[0].text, std::string(100, 'x'));
+}
+
+// ---------------------------------------------------------------------------
+// Record texts
+
+TEST(SettingsRecords, ValueParsedAgainIsAllOrNothing)
+{
+    KeyValue record;
+    ASSERT_TRUE(record.ParseValue("'old' tail", 10, nullptr));
+    // The second text's block fails: the record keeps all it had.
+    zunMemTesting::FailAllocation(2);
+    EXPECT_FALSE(record.ParseValue("'new' more", 10, nullptr));
+    zunMemTesting::Reset();
+    EXPECT_EQ(record.m_value, "old");
+    EXPECT_EQ(record.m_trailing, " tail");
+    EXPECT_EQ(record.m_quote, '\'');
+    EXPECT_TRUE(record.ParseValue("'new' more", 10, nullptr));
+    EXPECT_EQ(record.m_value, "new");
+    EXPECT_EQ(record.m_trailing, " more");
+}
+
+TEST(SettingsRecords, TextsAreTerminatedAndMayHoldZeroBytes)
+{
+    RecordArena arena;
+    RecordText heap, inArena;
+    ASSERT_TRUE(heap.Assign("a\0b", 3, nullptr));
+    ASSERT_TRUE(inArena.Assign("xyz", 3, &arena));
+    EXPECT_EQ(heap.size(), 3u);
+    EXPECT_EQ(heap.View(), std::string_view("a\0b", 3));
+    EXPECT_EQ(heap.c_str()[3], '\0');
+    EXPECT_STREQ(inArena.c_str(), "xyz");
+    ASSERT_TRUE(heap.Assign(heap.data() + 2, 1, nullptr)); // from its own block
+    EXPECT_EQ(heap, "b");
+    heap.Clear();
+    EXPECT_TRUE(heap.empty());
+    EXPECT_STREQ(heap.c_str(), "");
 }

@@ -22,6 +22,12 @@ namespace zunPlatform
         return value >= 0 && value <= 255 ? std::toupper(value) : value;
     }
 
+    const std::int32_t * LowerByteTable()
+    {
+        // glibc's own table behind tolower, indexable from -128 to 255.
+        return *__ctype_tolower_loc();
+    }
+
     int CompareNoCase(const char * a, const char * b)
     {
         return ::strcasecmp(a, b);

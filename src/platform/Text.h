@@ -5,6 +5,8 @@
 #ifndef ZUN_PLATFORM_TEXT_H
 #define ZUN_PLATFORM_TEXT_H
 
+#include <cstdint>
+
 #include "zunConfig.h"
 
 namespace zunPlatform
@@ -16,6 +18,11 @@ namespace zunPlatform
     /// toupper of a byte value 0 to 255 (other values are returned unchanged,
     /// since the runtime accepts only those and EOF).
     int UpperByte(int value);
+    /// The runtime's tolower as a table for the current locale of the calling
+    /// thread: entry [b] is tolower(b) for each byte value b, 0 to 255. Valid
+    /// until the locale changes, so fetch it once per operation, not once per
+    /// program.
+    const std::int32_t * LowerByteTable();
 
     /// Case-blind order of two byte texts: negative, zero or positive, each
     /// byte lowered by the runtime (_stricmp on Windows). Neither may be null.
