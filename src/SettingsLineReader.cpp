@@ -6,9 +6,7 @@
 
 namespace zunSettingsPrivate
 {
-    LineReader::LineReader(std::istream & stream) : m_stream(stream), m_block(new (std::nothrow) char[kBlockBytes])
-    {
-    }
+    LineReader::LineReader(std::istream & stream) : m_stream(stream), m_block(new (std::nothrow) char[kBlockBytes]) {}
 
     bool LineReader::Fail()
     {
@@ -66,7 +64,7 @@ namespace zunSettingsPrivate
             if (m_nNext == m_nFilled && !Fill())
             {
                 if (!spans || m_stream.bad())
-                    return false; // std::getline drops a line that a failing stream cut short
+                    return false;         // std::getline drops a line that a failing stream cut short
                 line = m_spanning.data(); // a last line without newline
                 length = m_spanning.size();
                 crlf = false;

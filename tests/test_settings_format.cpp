@@ -522,9 +522,9 @@ namespace
     std::string SiteOf(unsigned int kind)
     {
         const std::vector<int> sites =
-            SourceLinesWith("src/settings.cpp", "throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE)");
+            SourceLinesWith("src/Settings.cpp", "throw ZUN_EXCEPTION(ZUN_SETTINGS_READ_SIGNATURE)");
         EXPECT_EQ(sites.size(), 3u); // Section, KeyValue, Other, in this order
-        return sites.size() == 3 ? "src/settings.cpp:" + std::to_string(sites.at(kind)) : "";
+        return sites.size() == 3 ? "src/Settings.cpp:" + std::to_string(sites.at(kind)) : "";
     }
 }
 
