@@ -23,6 +23,7 @@
 #include "zunQuaternion.h"
 #include "zunRectangle.h"
 #include "zunSelfTest.h"
+#include "zunSignal.h"
 #include "zunSlerp.h"
 #include "zunString.h"
 #include "zunStringList.h"
