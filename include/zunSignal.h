@@ -126,7 +126,7 @@ namespace zunSignalPrivate
         static Signal<Policy, DestroySignalEmitter *> * __DeleteSignal_Private(const DestroySignalEmitterT & emitter);
         /// The one way into the map of this policy.
         static Signal<Policy, DestroySignalEmitter *> * __AccessSignalMap_Private(const DestroySignalEmitter * emitter,
-                                                                                 SignalMapAccess mode);
+                                                                                  SignalMapAccess mode);
     };
 
     /// One connection of a signal. The signal owns it.
@@ -246,8 +246,11 @@ namespace zunSignalPrivate
     {
     public:
         Signal() : m_runningLoops(0), m_slotsCleared(false) {}
-        Signal(const Signal &) = delete;
-        Signal & operator=(const Signal &) = delete;
+        /// Takes nothing from the source: connections belong to a signal's
+        /// identity, so a copy starts with none, and assignment keeps the
+        /// target's own. Classes that hold signals stay copyable.
+        Signal(const Signal &) : SignalBase<Policy, Args...>(), m_runningLoops(0), m_slotsCleared(false) {}
+        Signal & operator=(const Signal &) { return *this; }
 
         /// Calls every handler with `args` (see the emission rules above).
         /// Under ThreadSafe, throws std::system_error when the lock fails and
@@ -345,8 +348,7 @@ namespace zunSignalPrivate
         if (that == nullptr)
             return false;
         if (that->m_object != nullptr && that->m_function != nullptr)
-            return m_object == that->m_object && m_function == that->m_function &&
-                   m_adjustment == that->m_adjustment;
+            return m_object == that->m_object && m_function == that->m_function && m_adjustment == that->m_adjustment;
         // A pattern without a function matches every handler of this type, of
         // any object: a dying signal removes all of them from a notice.
         if (that->m_function == nullptr)
@@ -354,8 +356,7 @@ namespace zunSignalPrivate
         return m_object == nullptr;
     }
 
-    template <class Target, class Owner, class... Args>
-    void ObjectHandler<Target, Owner, Args...>::Invoke(Args... args)
+    template <class Target, class Owner, class... Args> void ObjectHandler<Target, Owner, Args...>::Invoke(Args... args)
     {
         if (!IsValid())
             return; // a pattern has nothing to call
@@ -428,21 +429,21 @@ namespace zunSignalPrivate
             return; // the maps are gone: the process is past its static destruction
         std::unique_ptr<Tracker> pattern(new Tracker(this, nullptr));
         SignalLock<Policy> lock(*notice);
-        notice->ReplaceHandlers([this, &pattern](Handler<DestroySignalEmitter *> * handler)
-                                    -> Handler<DestroySignalEmitter *> *
-        {
-            if (!handler->Equals(pattern.get()))
-                return handler;
-            // The pattern also matches the trackers of other signals of this
-            // type on the same notice. Such a signal still follows the receiver
-            // and would never hear of its death: a watch takes the tracker's
-            // place, so that signal drops its handlers when the receiver dies.
-            Tracker * tracker = dynamic_cast<Tracker *>(handler);
-            if (tracker != nullptr && tracker->m_object != nullptr && tracker->m_object != this &&
-                tracker->m_function == &Signal::OnReceiverDestroyed)
-                return new EmitterWatch<Policy, Args...>(tracker->m_object);
-            return nullptr;
-        });
+        notice->ReplaceHandlers(
+            [this, &pattern](Handler<DestroySignalEmitter *> * handler) -> Handler<DestroySignalEmitter *> *
+            {
+                if (!handler->Equals(pattern.get()))
+                    return handler;
+                // The pattern also matches the trackers of other signals of this
+                // type on the same notice. Such a signal still follows the receiver
+                // and would never hear of its death: a watch takes the tracker's
+                // place, so that signal drops its handlers when the receiver dies.
+                Tracker * tracker = dynamic_cast<Tracker *>(handler);
+                if (tracker != nullptr && tracker->m_object != nullptr && tracker->m_object != this &&
+                    tracker->m_function == &Signal::OnReceiverDestroyed)
+                    return new EmitterWatch<Policy, Args...>(tracker->m_object);
+                return nullptr;
+            });
     }
 
     template <class Policy, class... Args>
@@ -532,19 +533,20 @@ namespace zunSignalPrivate
         SignalLock<Policy> lock(*this);
         Connection probe(object, function);
         bool found = false;
-        ReplaceHandlers([&probe, &found](Handler<Args...> * handler) -> Handler<Args...> *
-        {
-            if (!handler->Equals(&probe))
-                return handler;
-            found = true;
-            Connection * same = dynamic_cast<Connection *>(handler);
-            if (same != nullptr && same->m_count > 1)
+        ReplaceHandlers(
+            [&probe, &found](Handler<Args...> * handler) -> Handler<Args...> *
             {
-                --same->m_count;
-                return handler;
-            }
-            return nullptr;
-        });
+                if (!handler->Equals(&probe))
+                    return handler;
+                found = true;
+                Connection * same = dynamic_cast<Connection *>(handler);
+                if (same != nullptr && same->m_count > 1)
+                {
+                    --same->m_count;
+                    return handler;
+                }
+                return nullptr;
+            });
         return found;
     }
 

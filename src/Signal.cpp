@@ -55,8 +55,7 @@ namespace zunSignalPrivate
 {
     template <class Policy>
     Signal<Policy, DestroySignalEmitter *> *
-    DestroySignalEmitterT<Policy>::__AccessSignalMap_Private(const DestroySignalEmitter * emitter,
-                                                             SignalMapAccess mode)
+    DestroySignalEmitterT<Policy>::__AccessSignalMap_Private(const DestroySignalEmitter * emitter, SignalMapAccess mode)
     {
         // Built on first use; the language makes that once-only across threads.
         // The map itself has no lock.
@@ -149,8 +148,7 @@ template <class Policy> void * zunBaseT<Policy>::operator new(std::size_t size, 
     return AlignedMalloc(size, alignment);
 }
 
-template <class Policy>
-void * zunBaseT<Policy>::operator new[](std::size_t size, std::align_val_t alignment) noexcept
+template <class Policy> void * zunBaseT<Policy>::operator new[](std::size_t size, std::align_val_t alignment) noexcept
 {
     return AlignedMalloc(size, alignment);
 }

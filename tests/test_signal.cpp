@@ -442,6 +442,28 @@ TEST(ThreadSafeSignal, EmissionWithoutMemoryForItsGuardChangesNothing)
 
 // ---- connections ----
 
+TYPED_TEST(SignalTest, SignalCopyStartsWithoutConnectionsAndAssignmentKeepsThem)
+{
+    struct Holder
+    {
+        IntSignal<TypeParam> changed;
+    };
+    Receiver<TypeParam> first, second;
+    Holder original;
+    original.changed.Connect(&first, &Receiver<TypeParam>::OnInt);
+    original.changed.Block();
+    Holder copy = original;
+    EXPECT_TRUE(copy.changed.m_handlers.empty());
+    EXPECT_TRUE(copy.changed.m_emitters.empty());
+    EXPECT_FALSE(copy.changed.IsBlocked());
+    copy.changed.Connect(&second, &Receiver<TypeParam>::OnInt);
+    copy = original;
+    copy.changed(4);
+    EXPECT_EQ(second.calls, std::vector<int>({4}));
+    EXPECT_TRUE(first.calls.empty());
+    EXPECT_EQ(original.changed.m_handlers.size(), 1u);
+}
+
 TYPED_TEST(SignalTest, RepeatedConnectionCountsUpAndDisconnectCountsDown)
 {
     Receiver<TypeParam> receiver;

@@ -79,23 +79,27 @@ TEST(SignalThreads, EmissionsWhileHandlersConnectAndDisconnect)
     std::atomic<bool> go{false};
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&] {
-            while (!go)
-                std::this_thread::yield();
-            for (int i = 0; i < kRounds; ++i)
-                signal(i);
-        });
-    for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&, t] {
-            while (!go)
-                std::this_thread::yield();
-            for (int i = 0; i < kRounds; ++i)
+        threads.emplace_back(
+            [&]
             {
-                Counter * counter = pool[(t * 3 + i) % pool.size()].get();
-                EXPECT_TRUE(signal.Connect(counter, &Counter::On));
-                EXPECT_TRUE(signal.Disconnect(counter, &Counter::On));
-            }
-        });
+                while (!go)
+                    std::this_thread::yield();
+                for (int i = 0; i < kRounds; ++i)
+                    signal(i);
+            });
+    for (int t = 0; t < kThreads; ++t)
+        threads.emplace_back(
+            [&, t]
+            {
+                while (!go)
+                    std::this_thread::yield();
+                for (int i = 0; i < kRounds; ++i)
+                {
+                    Counter * counter = pool[(t * 3 + i) % pool.size()].get();
+                    EXPECT_TRUE(signal.Connect(counter, &Counter::On));
+                    EXPECT_TRUE(signal.Disconnect(counter, &Counter::On));
+                }
+            });
     go = true;
     RunTogether(threads);
 
@@ -126,17 +130,19 @@ TEST(SignalThreads, SignalsDieWhileOthersConnectToTheSameReceiver)
     std::atomic<bool> go{false};
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&, t] {
-            while (!go)
-                std::this_thread::yield();
-            for (int i = 0; i < kRounds / 4; ++i)
+        threads.emplace_back(
+            [&, t]
             {
-                auto signal = std::make_unique<zunSignal<int>>();
-                for (auto & receiver : receivers)
-                    EXPECT_TRUE(signal->Connect(receiver.get(), &Counter::On));
-                (*signal)(t);
-            }
-        });
+                while (!go)
+                    std::this_thread::yield();
+                for (int i = 0; i < kRounds / 4; ++i)
+                {
+                    auto signal = std::make_unique<zunSignal<int>>();
+                    for (auto & receiver : receivers)
+                        EXPECT_TRUE(signal->Connect(receiver.get(), &Counter::On));
+                    (*signal)(t);
+                }
+            });
     go = true;
     RunTogether(threads);
 
@@ -159,19 +165,21 @@ TEST(SignalThreads, BlockingFromSeveralThreadsWhileOthersEmit)
     signal.Connect(&counter, &Counter::On);
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t)
-        threads.emplace_back([&, t] {
-            for (int i = 0; i < kRounds; ++i)
+        threads.emplace_back(
+            [&, t]
             {
-                if (t % 2 == 0)
-                    signal(i);
-                else
+                for (int i = 0; i < kRounds; ++i)
                 {
-                    signal.Block();
-                    EXPECT_TRUE(signal.IsBlocked());
-                    signal.Unblock();
+                    if (t % 2 == 0)
+                        signal(i);
+                    else
+                    {
+                        signal.Block();
+                        EXPECT_TRUE(signal.IsBlocked());
+                        signal.Unblock();
+                    }
                 }
-            }
-        });
+            });
     RunTogether(threads);
     EXPECT_FALSE(signal.IsBlocked());
     EXPECT_LE(counter.calls.load(), long(kThreads / 2) * kRounds); // blocked emissions were dropped
@@ -190,11 +198,13 @@ TEST(SignalThreads, ThrowingHandlerStillUnlocks)
     signal.Connect(&thrower, &Thrower::On);
     EXPECT_THROW(signal(1), std::runtime_error);
     bool locked = false;
-    std::thread other([&] {
-        locked = signal.m_mutex.try_lock();
-        if (locked)
-            signal.m_mutex.unlock();
-    });
+    std::thread other(
+        [&]
+        {
+            locked = signal.m_mutex.try_lock();
+            if (locked)
+                signal.m_mutex.unlock();
+        });
     other.join();
     EXPECT_TRUE(locked);
     EXPECT_EQ(signal.m_emitting, 1u);

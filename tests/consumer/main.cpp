@@ -87,6 +87,18 @@ int main()
 
     failures += zunSystem::GetPid() == 0 || zunSystem::KillProcess(0xFFFFFFFF);
     failures += zunDebug::Windows::RemoveMemBreak(nullptr) || zunDebug::Windows::GetDebugFlags().GetMask() != 0;
+    struct Receiver : zunBaseT<zunSignalPrivate::ThreadSafe>
+    {
+        int sum = 0;
+        void Add(int value) { sum += value; }
+    };
+    zunSignal<int> changed;
+    Receiver * receiver = new Receiver;
+    failures += !changed.Connect(receiver, &Receiver::Add);
+    changed(5);
+    failures += receiver->sum != 5;
+    delete receiver;
+    failures += !changed.m_handlers.empty();
 
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
