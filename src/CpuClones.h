@@ -9,7 +9,11 @@
 #ifndef ZUN_CPU_CLONES_H
 #define ZUN_CPU_CLONES_H
 
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__linux__)
+// Not under ThreadSanitizer: the loader runs the clones' resolvers while it
+// relocates the library, before the sanitizer's runtime is ready, and their
+// instrumentation would crash every program at load.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && defined(__linux__) &&                           \
+    !defined(__SANITIZE_THREAD__)
 #define ZUN_CPU_CLONES __attribute__((target_clones("avx512f", "avx2", "default")))
 #else
 #define ZUN_CPU_CLONES
