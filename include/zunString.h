@@ -45,6 +45,7 @@
 #include "zunMem.h"
 
 template <typename C> class zunStringListT;
+struct zunFile;
 
 template <typename C, typename H> struct zunStringT
 {
@@ -127,6 +128,16 @@ template <typename C, typename H> struct zunStringT
     /// lone byte above 0x7F in %C becomes U+FFFD. %n, %Z, positional arguments
     /// and unknown directives are format errors.
     unsigned int VPrintf(const C * format, va_list args);
+
+    // ---- File form (zunFile.h): a 32-bit length, the UTF-8 bytes and a zero
+    // ---- byte; the wide string is stored as its UTF-8 form.
+
+    /// Reads the string as Write wrote it (zunFile::Read_String or
+    /// Read_String16 with zunFile::Terminated). At a chunk's limit it becomes
+    /// empty.
+    void Read(zunFile * file);
+    /// zunFile::Write_String, or Write_String16 for the wide string.
+    void Write(zunFile * file) const;
 
     // ---- Reading.
 

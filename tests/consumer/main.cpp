@@ -100,6 +100,26 @@ int main()
     delete receiver;
     failures += !changed.m_handlers.empty();
 
+    zunFastMesh<unsigned char> document;
+    {
+        std::unique_ptr<zunFile> out = zunFileMem::Create(document);
+        zunChunk chunk(out.get());
+        chunk.Create(0x454D414E);
+        zunString("hull").Write(out.get());
+        chunk.Close();
+        out->Close();
+    }
+    failures += document.Count() != 17 || document[4] != 9;
+    std::unique_ptr<zunFile> in = zunFileMem::Create(static_cast<const zunFastMesh<unsigned char> &>(document));
+    zunChunkHF found;
+    found.Descend(in.get());
+    zunString hull;
+    hull.Read(in.get());
+    int missing = -1;
+    in->Read_Int32(missing);
+    found.Ascend(in.get());
+    failures += !(found == 0x454D414E) || !(hull == "hull") || missing != -1 || !in->IsEOF();
+
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
 }
