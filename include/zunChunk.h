@@ -69,9 +69,9 @@ private:
     zunFile * m_pFile;
     unsigned int m_nFCC;
     std::uint64_t m_nSize;
-    std::uint64_t m_nHeaderPos;   ///< position of the tag
-    std::uint64_t m_nNextPos;     ///< position just behind the contents
-    std::uint64_t m_nSavedLimit;  ///< the stream's limit at Descend
+    std::uint64_t m_nHeaderPos;  ///< position of the tag
+    std::uint64_t m_nNextPos;    ///< position just behind the contents
+    std::uint64_t m_nSavedLimit; ///< the stream's limit at Descend
     zunFile::ChunkSizeBits m_eSizeBits;
 };
 

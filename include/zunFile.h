@@ -65,40 +65,43 @@ struct ZUN_API zunFile
     /// No limit: the value of GetLimit on a fresh stream.
     static constexpr std::uint64_t NoLimit = 0xFFFFFFFFFFFFFFFFull;
 
+    // The enumerations are 32-bit ints, so that any number a caller passes is
+    // defined; each says how numbers outside its list act.
+
     /// Base of SetCurrPos; any other number acts as FromStart.
-    enum PositionRelativeTo
+    enum PositionRelativeTo : int
     {
         FromStart = 0,
         FromCurrent = 1,
         FromEnd = 2
     };
     /// Base of SetLimit; any number but 0 acts as LimitFromCurrent.
-    enum LimitRelativeTo
+    enum LimitRelativeTo : int
     {
         LimitAbsolute = 0,
         LimitFromCurrent = 1
     };
     /// Width of the size field of chunks created or entered from now on;
     /// anything but ChunkSize64 is 32 bits.
-    enum ChunkSizeBits
+    enum ChunkSizeBits : int
     {
         ChunkSize32 = 0,
         ChunkSize64 = 1
     };
     /// Stored by SetEncodingForStringRead; no read looks at it. Strings are UTF-8.
-    enum StringEncoding
+    enum StringEncoding : int
     {
         StringEncodingUTF8 = 0
     };
     /// The legacy form Read_String expects behind the 32-bit length n.
-    enum ReadStringOption
+    enum ReadStringOption : int
     {
-        NoTerminator = 0,      ///< n bytes
-        Terminated = 1,        ///< n bytes and one skipped byte: what Write_String writes
-        TerminatorCounted = 2  ///< n - 1 bytes and one skipped byte
+        NoTerminator = 0,     ///< n bytes
+        Terminated = 1,       ///< n bytes and one skipped byte: what Write_String writes
+        TerminatorCounted = 2 ///< n - 1 bytes and one skipped byte
     };
     /// Whether the elements of an array follow the byte order rule.
-    enum ByteOrderDifference
+    enum ByteOrderDifference : int
     {
         SameInAnyByteOrder = 0,
         DiffersByByteOrder = 1
@@ -237,8 +240,7 @@ private:
     // Arrays of `count` elements of `elementSize` bytes; the library's
     // persisted classes store their fields through these.
     void Read_Array(void * data, std::uint64_t elementSize, unsigned int count, ByteOrderDifference difference);
-    void Write_Array(const void * data, std::uint64_t elementSize, unsigned int count,
-                     ByteOrderDifference difference);
+    void Write_Array(const void * data, std::uint64_t elementSize, unsigned int count, ByteOrderDifference difference);
     // One value of `size` bytes under the byte order rule.
     void Read_BlockEndianness(void * data, std::uint64_t size);
     void Write_BlockEndianness(const void * data, std::uint64_t size);

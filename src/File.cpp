@@ -472,8 +472,7 @@ void zunFile::Read_BlockEndianness(void * data, std::uint64_t size)
         ThrowReadBlockEndiannessFailed();
 }
 
-void zunFile::Read_Array(void * data, std::uint64_t elementSize, unsigned int count,
-                         ByteOrderDifference difference)
+void zunFile::Read_Array(void * data, std::uint64_t elementSize, unsigned int count, ByteOrderDifference difference)
 {
     const std::uint64_t bytes = elementSize * count;
     if (Crosses(*m_pState, bytes, m_pState->limit))

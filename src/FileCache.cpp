@@ -214,8 +214,7 @@ std::uint64_t zunFileState::CacheWriteSlow(const void * source, std::uint64_t co
 void zunFileState::SetCacheSize(std::uint64_t size)
 {
     CacheFlush();
-    if (size > zunFastMesh<unsigned char>::MaxCapacity ||
-        !cacheBuffer.SetCount(static_cast<unsigned int>(size), true))
+    if (size > zunFastMesh<unsigned char>::MaxCapacity || !cacheBuffer.SetCount(static_cast<unsigned int>(size), true))
         return;
     AdoptBuffer();
     if (size != 0)

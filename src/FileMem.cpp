@@ -29,7 +29,8 @@ namespace
             const std::uint64_t size = mesh->Count();
             const auto * bytes = static_cast<const unsigned char *>(data);
             // Bytes before the end overwrite in place; the rest is appended.
-            const std::uint64_t inside = filePointer < size ? (count < size - filePointer ? count : size - filePointer) : 0;
+            const std::uint64_t inside =
+                filePointer < size ? (count < size - filePointer ? count : size - filePointer) : 0;
             if (inside != 0)
                 std::memcpy(mesh->Data() + filePointer, bytes, inside);
             std::uint64_t written = inside;

@@ -31,16 +31,13 @@ namespace filetest
         Op op;
         std::uint64_t at;    ///< the back-end's pointer (or the target of SetFilePointer)
         std::uint64_t count; ///< bytes asked for by Write and Read
-        bool operator==(const Call & other) const
-        {
-            return op == other.op && at == other.at && count == other.count;
-        }
+        bool operator==(const Call & other) const { return op == other.op && at == other.at && count == other.count; }
     };
 
     inline std::string Describe(const Call & call)
     {
-        static const char * const names[] = {"Write", "Read", "SetFilePointer", "GetFilePointer", "GetFileSize",
-                                             "Close"};
+        static const char * const names[] = {"Write",          "Read",        "SetFilePointer",
+                                             "GetFilePointer", "GetFileSize", "Close"};
         return std::string(names[static_cast<int>(call.op)]) + "(" + std::to_string(call.at) + ", " +
                std::to_string(call.count) + ")";
     }

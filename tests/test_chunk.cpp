@@ -53,15 +53,16 @@ namespace
 TEST(ChunkForm, WorkedExample32)
 {
     EXPECT_EQ(WrittenToMemory(WriteWorkedExample),
-              Bytes({0x44, 0x43, 0x42, 0x41, 0x0C, 0, 0, 0, 0x48, 0x47, 0x46, 0x45, 0x04, 0, 0, 0, 0x07, 0, 0, 0,
-                     0x4C, 0x4B, 0x4A, 0x49, 0, 0, 0, 0}));
+              Bytes({0x44, 0x43, 0x42, 0x41, 0x0C, 0, 0,    0,    0x48, 0x47, 0x46, 0x45, 0x04, 0,
+                     0,    0,    0x07, 0,    0,    0, 0x4C, 0x4B, 0x4A, 0x49, 0,    0,    0,    0}));
 }
 
 TEST(ChunkForm, WorkedExample64)
 {
-    EXPECT_EQ(WrittenToMemory(WriteWorkedExample, zunFile::ChunkSize64),
-              Bytes({0x44, 0x43, 0x42, 0x41, 0x10, 0, 0, 0, 0, 0, 0, 0, 0x48, 0x47, 0x46, 0x45, 0x04, 0, 0, 0,
-                     0,    0,    0,    0,    0x07, 0, 0, 0, 0x4C, 0x4B, 0x4A, 0x49, 0, 0, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(
+        WrittenToMemory(WriteWorkedExample, zunFile::ChunkSize64),
+        Bytes({0x44, 0x43, 0x42, 0x41, 0x10, 0, 0, 0, 0,    0,    0,    0,    0x48, 0x47, 0x46, 0x45, 0x04, 0, 0, 0,
+               0,    0,    0,    0,    0x07, 0, 0, 0, 0x4C, 0x4B, 0x4A, 0x49, 0,    0,    0,    0,    0,    0, 0, 0}));
 }
 
 TEST(ChunkForm, WorkedExampleThroughTheCache)
@@ -76,7 +77,8 @@ TEST(ChunkForm, WorkedExampleThroughTheCache)
 TEST(ChunkForm, BigEndianTagIsANumber)
 {
     EXPECT_EQ(WrittenToMemory(
-                  [](zunFile & f) {
+                  [](zunFile & f)
+                  {
                       zunChunk c(&f);
                       c.Create(kParent);
                       f.Write_Int16(1);
@@ -85,7 +87,8 @@ TEST(ChunkForm, BigEndianTagIsANumber)
                   zunFile::ChunkSize32, zunSystem::Big),
               Bytes({0x41, 0x42, 0x43, 0x44, 0, 0, 0, 2, 0, 1}));
     EXPECT_EQ(WrittenToMemory(
-                  [](zunFile & f) {
+                  [](zunFile & f)
+                  {
                       zunChunk c(&f);
                       c.Create(kParent);
                       c.Close();
@@ -96,7 +99,8 @@ TEST(ChunkForm, BigEndianTagIsANumber)
 
 TEST(ChunkForm, EmptyChunkSizes)
 {
-    auto empty = [](zunFile & f) {
+    auto empty = [](zunFile & f)
+    {
         zunChunk c(&f);
         c.Create(1);
         c.Close();
@@ -108,16 +112,18 @@ TEST(ChunkForm, EmptyChunkSizes)
 
 TEST(ChunkForm, OneObjectTwoChunksBackToBack)
 {
-    EXPECT_EQ(WrittenToMemory([](zunFile & f) {
-                  zunChunk c(&f);
-                  c.Create(1);
-                  f.Write_UInt8(9);
-                  c.Close();
-                  EXPECT_EQ(c.GetSize(), 1u);
-                  c.Create(2);
-                  c.Close();
-                  EXPECT_EQ(c.GetFCC(), 2u);
-              }),
+    EXPECT_EQ(WrittenToMemory(
+                  [](zunFile & f)
+                  {
+                      zunChunk c(&f);
+                      c.Create(1);
+                      f.Write_UInt8(9);
+                      c.Close();
+                      EXPECT_EQ(c.GetSize(), 1u);
+                      c.Create(2);
+                      c.Close();
+                      EXPECT_EQ(c.GetFCC(), 2u);
+                  }),
               Bytes({1, 0, 0, 0, 1, 0, 0, 0, 9, 2, 0, 0, 0, 0, 0, 0, 0}));
 }
 
@@ -139,27 +145,32 @@ TEST(ChunkForm, ReusedChunkIn64BitModeWritesItsStaleSizeAsPlaceholder)
 
 TEST(ChunkForm, UnclosedChunkKeepsSizeZero)
 {
-    EXPECT_EQ(WrittenToMemory([](zunFile & f) {
-                  zunChunk c(&f);
-                  c.Create(3);
-                  f.Write_Int32(5);
-              }),
+    EXPECT_EQ(WrittenToMemory(
+                  [](zunFile & f)
+                  {
+                      zunChunk c(&f);
+                      c.Create(3);
+                      f.Write_Int32(5);
+                  }),
               Bytes({3, 0, 0, 0, 0, 0, 0, 0, 5, 0, 0, 0}));
 }
 
 TEST(ChunkForm, ModeChangeWhileOpenDoesNotTearTheChunk)
 {
-    EXPECT_EQ(WrittenToMemory([](zunFile & f) {
-                  zunChunk c(&f);
-                  c.Create(3);
-                  f.SetChunkSizeBits(zunFile::ChunkSize64);
-                  f.Write_UInt8(1);
-                  c.Close();
-              }),
+    EXPECT_EQ(WrittenToMemory(
+                  [](zunFile & f)
+                  {
+                      zunChunk c(&f);
+                      c.Create(3);
+                      f.SetChunkSizeBits(zunFile::ChunkSize64);
+                      f.Write_UInt8(1);
+                      c.Close();
+                  }),
               Bytes({3, 0, 0, 0, 1, 0, 0, 0, 1}));
     // Any number but ChunkSize64 is 32 bits.
     EXPECT_EQ(WrittenToMemory(
-                  [](zunFile & f) {
+                  [](zunFile & f)
+                  {
                       zunChunk c(&f);
                       c.Create(3);
                       c.Close();
@@ -204,14 +215,16 @@ TEST(ChunkForm, CloseReachingBackIntoAnEarlierBlock)
 
 TEST(ChunkRead, DescendReadAscend)
 {
-    const zunFastMesh<unsigned char> mesh = MeshOf(WrittenToMemory([](zunFile & f) {
-        zunChunk c(&f);
-        c.Create(9);
-        for (int i = 0; i < 25; ++i)
-            f.Write_Int32(i);
-        c.Close();
-        f.Write_Int32(-7);
-    }));
+    const zunFastMesh<unsigned char> mesh = MeshOf(WrittenToMemory(
+        [](zunFile & f)
+        {
+            zunChunk c(&f);
+            c.Create(9);
+            for (int i = 0; i < 25; ++i)
+                f.Write_Int32(i);
+            c.Close();
+            f.Write_Int32(-7);
+        }));
     auto file = zunFileMem::Create(mesh);
     file->SetLimit(104 + 4, zunFile::LimitAbsolute);
     zunChunk c(file.get());
@@ -308,16 +321,18 @@ TEST(ChunkRead, DescendAtTheEndOfTheFile)
 
 TEST(ChunkRead, ChildClaimingMoreThanItsParentIsReadToItsOwnEnd)
 {
-    std::vector<unsigned char> bytes = WrittenToMemory([](zunFile & f) {
-        zunChunk parent(&f);
-        parent.Create(1);
-        zunChunk child(&f);
-        child.Create(2);
-        f.Write_Int32(10);
-        child.Close();
-        parent.Close();
-        f.Write_Int32(20);
-    });
+    std::vector<unsigned char> bytes = WrittenToMemory(
+        [](zunFile & f)
+        {
+            zunChunk parent(&f);
+            parent.Create(1);
+            zunChunk child(&f);
+            child.Create(2);
+            f.Write_Int32(10);
+            child.Close();
+            parent.Close();
+            f.Write_Int32(20);
+        });
     bytes[12] = 8; // the child now claims 8 bytes, 4 of them behind its parent
     const zunFastMesh<unsigned char> mesh = MeshOf(bytes);
     auto file = zunFileMem::Create(mesh);
@@ -344,7 +359,8 @@ TEST(ChunkRead, ThreeDeepInBothModes)
         for (zunSystem::Endianness order : {zunSystem::Little, zunSystem::Big})
         {
             const zunFastMesh<unsigned char> mesh = MeshOf(WrittenToMemory(
-                [](zunFile & f) {
+                [](zunFile & f)
+                {
                     zunChunk a(&f), b(&f), c(&f);
                     a.Create(0xA);
                     f.Write_Int32(1);
@@ -392,15 +408,17 @@ TEST(ChunkRead, ThreeDeepInBothModes)
 
 TEST(ChunkRead, DescendAndAscendInsideTheBlockCostNoStorageCall)
 {
-    std::vector<unsigned char> bytes = WrittenToMemory([](zunFile & f) {
-        for (int i = 0; i < 500; ++i)
+    std::vector<unsigned char> bytes = WrittenToMemory(
+        [](zunFile & f)
         {
-            zunChunk c(&f);
-            c.Create(static_cast<unsigned int>(i));
-            f.Write_Float(i);
-            c.Close();
-        }
-    });
+            for (int i = 0; i < 500; ++i)
+            {
+                zunChunk c(&f);
+                c.Create(static_cast<unsigned int>(i));
+                f.Write_Float(i);
+                c.Close();
+            }
+        });
     auto storage = std::make_shared<Storage>();
     auto file = CachedReader(storage, bytes);
     int known = 0;
@@ -438,34 +456,38 @@ namespace
     /// of a kind the older reader doesn't know.
     std::vector<unsigned char> NewerDocument()
     {
-        return WrittenToMemory([](zunFile & f) {
-            zunChunk name(&f);
-            name.Create(kName);
-            f.Write_String(zunString("hull"));
-            f.Write_Int32(2);
-            name.Close();
-            zunChunk extra(&f);
-            extra.Create(kExtra);
-            f.Write_Float(1.5);
-            zunChunk inner(&f);
-            inner.Create(1);
-            inner.Close();
-            extra.Close();
-            zunChunk size(&f);
-            size.Create(kSize);
-            f.Write_Float(12.5);
-            size.Close();
-        });
+        return WrittenToMemory(
+            [](zunFile & f)
+            {
+                zunChunk name(&f);
+                name.Create(kName);
+                f.Write_String(zunString("hull"));
+                f.Write_Int32(2);
+                name.Close();
+                zunChunk extra(&f);
+                extra.Create(kExtra);
+                f.Write_Float(1.5);
+                zunChunk inner(&f);
+                inner.Create(1);
+                inner.Close();
+                extra.Close();
+                zunChunk size(&f);
+                size.Create(kSize);
+                f.Write_Float(12.5);
+                size.Close();
+            });
     }
 
     std::vector<unsigned char> OlderDocument()
     {
-        return WrittenToMemory([](zunFile & f) {
-            zunChunk name(&f);
-            name.Create(kName);
-            f.Write_String(zunString("keel"));
-            name.Close();
-        });
+        return WrittenToMemory(
+            [](zunFile & f)
+            {
+                zunChunk name(&f);
+                name.Create(kName);
+                f.Write_String(zunString("keel"));
+                name.Close();
+            });
     }
 
     struct Reading

@@ -13,7 +13,8 @@ namespace
 
     void ExpectCalls(const Storage & storage, const std::vector<Call> & expected)
     {
-        ASSERT_EQ(storage.calls.size(), expected.size()) << [&] {
+        ASSERT_EQ(storage.calls.size(), expected.size()) << [&]
+        {
             std::string all;
             for (const Call & c : storage.calls)
                 all += Describe(c) + " ";
@@ -310,7 +311,8 @@ TEST(FileCache, ZeroByteWriteFarPastTheSizeSendsNothing)
     file->Write_Block(nullptr, 0);
     storage->calls.clear();
     file->Close();
-    ExpectCalls(*storage, {{Op::SetFilePointer, 3 * kBlock, 0}, {Op::Write, 3 * kBlock, 0}, {Op::Close, 3 * kBlock, 0}});
+    ExpectCalls(*storage,
+                {{Op::SetFilePointer, 3 * kBlock, 0}, {Op::Write, 3 * kBlock, 0}, {Op::Close, 3 * kBlock, 0}});
     EXPECT_EQ(storage->bytes, Pattern(30));
 }
 
@@ -430,10 +432,9 @@ TEST(FileCache, PositionOutsideTheQuotientBlockReadsItsOwnBlock)
     storage->calls.clear();
     int value = 0;
     file->Read_Int32(value);
-    ExpectCalls(*storage, {{Op::SetFilePointer, 2, 0},
-                           {Op::Read, 2, 4096},
-                           {Op::SetFilePointer, 8192, 0},
-                           {Op::Read, 8192, 4096}});
+    ExpectCalls(
+        *storage,
+        {{Op::SetFilePointer, 2, 0}, {Op::Read, 2, 4096}, {Op::SetFilePointer, 8192, 0}, {Op::Read, 8192, 4096}});
     int expected = 0;
     std::memcpy(&expected, storage->bytes.data() + 10000, 4);
     EXPECT_EQ(value, expected);
@@ -691,10 +692,9 @@ TEST(FileLifeCycle, WorkAfterAFailedSeekRetriesTheBlockFirst)
     storage->calls.clear();
     file->Write_Int32(5);
     // The dirty block at 0 goes out before the block of the position is loaded.
-    ExpectCalls(*storage, {{Op::SetFilePointer, 0, 0},
-                           {Op::Write, 0, 4},
-                           {Op::SetFilePointer, kBlock, 0},
-                           {Op::Read, kBlock, kBlock}});
+    ExpectCalls(
+        *storage,
+        {{Op::SetFilePointer, 0, 0}, {Op::Write, 0, 4}, {Op::SetFilePointer, kBlock, 0}, {Op::Read, kBlock, kBlock}});
     file->Close();
     ASSERT_EQ(storage->bytes.size(), kBlock + 12);
     EXPECT_EQ(storage->bytes[0], 77);

@@ -52,7 +52,8 @@ namespace
 
 TEST(FileForms, IntegersInBothOrders)
 {
-    auto all = [](zunFile & f) {
+    auto all = [](zunFile & f)
+    {
         f.Write_Int16(static_cast<short>(0x0102));
         f.Write_UInt16(0xA1A2);
         f.Write_Int32(0x01020304);
@@ -60,9 +61,9 @@ TEST(FileForms, IntegersInBothOrders)
         f.Write_Int64(0x0102030405060708ll);
         f.Write_UInt64(0xC1C2C3C4C5C6C7C8ull);
     };
-    EXPECT_EQ(Written(all), Bytes({0x02, 0x01, 0xA2, 0xA1, 0x04, 0x03, 0x02, 0x01, 0xB4, 0xB3, 0xB2, 0xB1,
-                                   0x08, 0x07, 0x06, 0x05, 0x04, 0x03, 0x02, 0x01, 0xC8, 0xC7, 0xC6, 0xC5,
-                                   0xC4, 0xC3, 0xC2, 0xC1}));
+    EXPECT_EQ(Written(all),
+              Bytes({0x02, 0x01, 0xA2, 0xA1, 0x04, 0x03, 0x02, 0x01, 0xB4, 0xB3, 0xB2, 0xB1, 0x08, 0x07,
+                     0x06, 0x05, 0x04, 0x03, 0x02, 0x01, 0xC8, 0xC7, 0xC6, 0xC5, 0xC4, 0xC3, 0xC2, 0xC1}));
     EXPECT_EQ(Written(all, zunSystem::Big),
               Bytes({0x01, 0x02, 0xA1, 0xA2, 0x01, 0x02, 0x03, 0x04, 0xB1, 0xB2, 0xB3, 0xB4, 0x01, 0x02,
                      0x03, 0x04, 0x05, 0x06, 0x07, 0x08, 0xC1, 0xC2, 0xC3, 0xC4, 0xC5, 0xC6, 0xC7, 0xC8}));
@@ -70,7 +71,8 @@ TEST(FileForms, IntegersInBothOrders)
 
 TEST(FileForms, BytesAreNeverReordered)
 {
-    auto all = [](zunFile & f) {
+    auto all = [](zunFile & f)
+    {
         f.Write_Char('A');
         f.Write_Int8(-2);
         f.Write_UInt8(0xFE);
@@ -103,10 +105,12 @@ TEST(FileForms, Floats)
 
 TEST(FileForms, BoolIsAFourByteNumber)
 {
-    EXPECT_EQ(Written([](zunFile & f) {
-                  f.Write_Bool(true);
-                  f.Write_Bool(false);
-              }),
+    EXPECT_EQ(Written(
+                  [](zunFile & f)
+                  {
+                      f.Write_Bool(true);
+                      f.Write_Bool(false);
+                  }),
               Bytes({1, 0, 0, 0, 0, 0, 0, 0}));
     EXPECT_EQ(Written([](zunFile & f) { f.Write_Bool(true); }, zunSystem::Big), Bytes({0, 0, 0, 1}));
     const zunFastMesh<unsigned char> mesh = MeshOf(Bytes({2, 0, 0, 0, 0, 0, 0, 0}));
@@ -120,8 +124,7 @@ TEST(FileForms, BoolIsAFourByteNumber)
 
 TEST(FileForms, StringsWithLengthAndTerminator)
 {
-    EXPECT_EQ(Written([](zunFile & f) { f.Write_String(zunString("abc")); }),
-              Bytes({3, 0, 0, 0, 0x61, 0x62, 0x63, 0}));
+    EXPECT_EQ(Written([](zunFile & f) { f.Write_String(zunString("abc")); }), Bytes({3, 0, 0, 0, 0x61, 0x62, 0x63, 0}));
     EXPECT_EQ(Written([](zunFile & f) { f.Write_String(zunString("abc")); }, zunSystem::Big),
               Bytes({0, 0, 0, 3, 0x61, 0x62, 0x63, 0}));
     EXPECT_EQ(Written([](zunFile & f) { f.Write_String(zunString()); }), Bytes({0, 0, 0, 0}));
@@ -158,10 +161,12 @@ TEST(FileForms, PaddedBlocks)
     EXPECT_EQ(Written([&](zunFile & f) { f.Write_BlockPadding(raw.data(), 4); }), Bytes({9, 8, 7, 6}));
     EXPECT_EQ(Written([&](zunFile & f) { f.Write_BlockPadding(raw.data(), 5); }), Bytes({9, 8, 7, 6, 5, 0, 0, 0}));
     // The pad depends on the block's own length, not on where it stands.
-    EXPECT_EQ(Written([&](zunFile & f) {
-                  f.Write_UInt8(1);
-                  f.Write_BlockPadding(raw.data(), 2);
-              }),
+    EXPECT_EQ(Written(
+                  [&](zunFile & f)
+                  {
+                      f.Write_UInt8(1);
+                      f.Write_BlockPadding(raw.data(), 2);
+                  }),
               Bytes({1, 9, 8, 0, 0}));
 
     const zunFastMesh<unsigned char> mesh = MeshOf(Bytes({9, 8, 7, 6, 5, 0, 0, 0, 0x2A, 0, 0, 0}));
@@ -185,7 +190,8 @@ TEST(FileForms, ReadsGiveBackWhatWasWrittenInBothOrders)
     for (zunSystem::Endianness order : {zunSystem::Little, zunSystem::Big})
     {
         const Bytes_t bytes = Written(
-            [](zunFile & f) {
+            [](zunFile & f)
+            {
                 f.Write_Bool(true);
                 f.Write_Char('q');
                 f.Write_Int8(-100);
@@ -256,7 +262,8 @@ TEST(FileForms, BigEndianValueAndRawGuidBytes)
 {
     const Bytes_t guid = Bytes({0x10, 0x32, 0x54, 0x76, 0x98, 0xBA, 0xDC, 0xFE});
     EXPECT_EQ(Written(
-                  [&](zunFile & f) {
+                  [&](zunFile & f)
+                  {
                       f.Write_Int32(0x01020304);
                       zunFileArrayAccess::Write_Array(&f, guid.data(), 1, 8, zunFile::SameInAnyByteOrder);
                   },
@@ -269,34 +276,28 @@ TEST(FileForms, BigEndianValueAndRawGuidBytes)
 TEST(FileArrays, OrderedElementsAreReversedOneByOne)
 {
     const int values[3] = {1, 0x0A0B0C0D, -1};
-    EXPECT_EQ(Written(
-                  [&](zunFile & f) {
-                      zunFileArrayAccess::Write_Array(&f, values, 4, 3, zunFile::DiffersByByteOrder);
-                  },
-                  zunSystem::Big),
+    EXPECT_EQ(Written([&](zunFile & f)
+                      { zunFileArrayAccess::Write_Array(&f, values, 4, 3, zunFile::DiffersByByteOrder); },
+                      zunSystem::Big),
               Bytes({0, 0, 0, 1, 0x0A, 0x0B, 0x0C, 0x0D, 0xFF, 0xFF, 0xFF, 0xFF}));
-    EXPECT_EQ(Written([&](zunFile & f) {
-                  zunFileArrayAccess::Write_Array(&f, values, 4, 3, zunFile::DiffersByByteOrder);
-              }),
-              Bytes({1, 0, 0, 0, 0x0D, 0x0C, 0x0B, 0x0A, 0xFF, 0xFF, 0xFF, 0xFF}));
+    EXPECT_EQ(
+        Written([&](zunFile & f) { zunFileArrayAccess::Write_Array(&f, values, 4, 3, zunFile::DiffersByByteOrder); }),
+        Bytes({1, 0, 0, 0, 0x0D, 0x0C, 0x0B, 0x0A, 0xFF, 0xFF, 0xFF, 0xFF}));
     // The same ints taken as they stand.
-    EXPECT_EQ(Written(
-                  [&](zunFile & f) {
-                      zunFileArrayAccess::Write_Array(&f, values, 4, 3, zunFile::SameInAnyByteOrder);
-                  },
-                  zunSystem::Big),
+    EXPECT_EQ(Written([&](zunFile & f)
+                      { zunFileArrayAccess::Write_Array(&f, values, 4, 3, zunFile::SameInAnyByteOrder); },
+                      zunSystem::Big),
               Bytes({1, 0, 0, 0, 0x0D, 0x0C, 0x0B, 0x0A, 0xFF, 0xFF, 0xFF, 0xFF}));
     // Elements wider than 8 bytes are never reordered.
     const unsigned char wide[10] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
-    EXPECT_EQ(Written(
-                  [&](zunFile & f) {
-                      zunFileArrayAccess::Write_Array(&f, wide, 10, 1, zunFile::DiffersByByteOrder);
-                  },
-                  zunSystem::Big),
+    EXPECT_EQ(Written([&](zunFile & f)
+                      { zunFileArrayAccess::Write_Array(&f, wide, 10, 1, zunFile::DiffersByByteOrder); },
+                      zunSystem::Big),
               Bytes({1, 2, 3, 4, 5, 6, 7, 8, 9, 10}));
-    EXPECT_TRUE(Written([&](zunFile & f) {
-                    zunFileArrayAccess::Write_Array(&f, values, 4, 0, zunFile::DiffersByByteOrder);
-                }, zunSystem::Big).empty());
+    EXPECT_TRUE(Written([&](zunFile & f)
+                        { zunFileArrayAccess::Write_Array(&f, values, 4, 0, zunFile::DiffersByByteOrder); },
+                        zunSystem::Big)
+                    .empty());
 }
 
 TEST(FileArrays, ReadBackInBothOrders)
@@ -305,9 +306,7 @@ TEST(FileArrays, ReadBackInBothOrders)
     for (zunSystem::Endianness order : {zunSystem::Little, zunSystem::Big})
     {
         const zunFastMesh<unsigned char> mesh = MeshOf(Written(
-            [&](zunFile & f) {
-                zunFileArrayAccess::Write_Array(&f, values, 8, 4, zunFile::DiffersByByteOrder);
-            },
+            [&](zunFile & f) { zunFileArrayAccess::Write_Array(&f, values, 8, 4, zunFile::DiffersByByteOrder); },
             order));
         auto file = zunFileMem::Create(mesh);
         file->SetEndianness(order);
@@ -334,8 +333,8 @@ TEST(FileArrays, PlainArrayPastTheEndThrows)
     auto storage = std::make_shared<Storage>();
     auto file = Over(storage, Bytes_t(10, 0x11));
     int out[3] = {5, 5, 5};
-    const zunException e = CaughtFrom(
-        [&] { zunFileArrayAccess::Read_Array(file.get(), out, 4, 3, zunFile::SameInAnyByteOrder); });
+    const zunException e =
+        CaughtFrom([&] { zunFileArrayAccess::Read_Array(file.get(), out, 4, 3, zunFile::SameInAnyByteOrder); });
     ExpectThrowSite(e, "zunFile::Read_Array failed", "void __cdecl zunFile::Read_Array(");
 }
 
@@ -355,8 +354,8 @@ TEST(FileArrays, ElementLoopStopsSilentlyAtTheEnd)
 TEST(FileArrays, WideValuesAreReportedAndCarryOn)
 {
     const unsigned char wide[12] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
-    const Bytes_t bytes = Written(
-        [&](zunFile & f) { zunFileArrayAccess::Write_BlockEndianness(&f, wide, 12); }, zunSystem::Big);
+    const Bytes_t bytes =
+        Written([&](zunFile & f) { zunFileArrayAccess::Write_BlockEndianness(&f, wide, 12); }, zunSystem::Big);
     EXPECT_EQ(bytes, Bytes_t(wide, wide + 12));
     const zunFastMesh<unsigned char> mesh = MeshOf(bytes);
     auto file = zunFileMem::Create(mesh);
@@ -620,10 +619,9 @@ TEST(FileWriteFailures, ReadOnlyMemoryFileRefusesEveryWrite)
     EXPECT_STREQ(CaughtFrom([&] { file->Write_Bool(true); }).GetDebugDescription(),
                  "zunFile::Write_BlockEndianness failed");
     const int values[2] = {1, 2};
-    ExpectThrowSite(CaughtFrom([&] {
-                        zunFileArrayAccess::Write_Array(file.get(), values, 4, 2, zunFile::DiffersByByteOrder);
-                    }),
-                    "zunFile::Write_Array failed", "void __cdecl zunFile::Write_Array(");
+    ExpectThrowSite(
+        CaughtFrom([&] { zunFileArrayAccess::Write_Array(file.get(), values, 4, 2, zunFile::DiffersByByteOrder); }),
+        "zunFile::Write_Array failed", "void __cdecl zunFile::Write_Array(");
     // Nothing got in.
     EXPECT_EQ(Contents(mesh), Bytes({1, 2, 3, 4}));
     // Printf reports nothing.
