@@ -43,6 +43,8 @@
 #include "zunConfig.h"
 #include "zunTypes.h"
 
+struct zunFile;
+
 struct ZUN_API zunColor
 {
     /// The six spaces, with the numbers of the stored form. The type is fixed
@@ -97,6 +99,9 @@ struct ZUN_API zunColor
 
     zunColor(const zunColor &) = default;
     zunColor(zunColor &&) = default;
+    /// Copies `defaultValue` (its space included), then Read: where the read
+    /// stops at a limit, the default stands.
+    zunColor(zunFile * file, const zunColor & defaultValue);
     /// Copies all five fields, the space included.
     zunColor & operator=(const zunColor &) = default;
     zunColor & operator=(zunColor &&) = default;
@@ -216,6 +221,18 @@ struct ZUN_API zunColor
     static zunColor Teal();    // 0, 0.5, 0.5
     static zunColor White();   // 1, 1, 1
     static zunColor Yellow();  // 1, 1, 0
+
+    // ---- File form ----------------------------------------------------------
+    // 32 bytes: red, green, blue and alpha as four doubles, each in the
+    // stream's byte order. Always RGB, whatever the color's own space.
+
+    /// Reads the four values and stores them through RGB, clamped, keeping the
+    /// color's space. A read stopped at the stream's limit leaves the color as
+    /// it was (up to the round trip through RGB).
+    void Read(zunFile * file);
+    /// Writes the color converted to RGB, and its alpha; throws zunException
+    /// when the bytes don't go out.
+    void Write(zunFile * file) const;
 
     // ---- Stored form --------------------------------------------------------
     // Public for plain-data use; the space is meant to change only by

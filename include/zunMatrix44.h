@@ -31,6 +31,7 @@
 #include "zunTypes.h"
 
 class zunBBox;
+struct zunFile;
 
 /// Two directions and an origin, a frame that zunMatrix44::Transform(zunAxes &)
 /// carries through a matrix. Fields in this order: first direction, second
@@ -55,6 +56,9 @@ public:
     constexpr zunMatrix44() : m{1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0} {}
     zunMatrix44(const zunMatrix44 &) = default;
     zunMatrix44(zunMatrix44 &&) = default;
+    /// Copies `defaultValue`, then reads the sixteen values over it (see Read):
+    /// where the read stops at a limit, the default stands.
+    zunMatrix44(zunFile * file, const zunMatrix44 & defaultValue);
     zunMatrix44 & operator=(const zunMatrix44 &) = default;
     zunMatrix44 & operator=(zunMatrix44 &&) = default;
 
@@ -172,6 +176,15 @@ public:
     zunMatrix44 & Transpose();
     /// Writes the transpose into `out` (which may be this matrix).
     void Transpose(zunMatrix44 & out) const;
+
+    // File form: 128 bytes, the sixteen doubles m[0] to m[15] in storage
+    // order, each in the stream's byte order; no header, no count.
+
+    /// Reads the sixteen values. Crossing the stream's limit (a chunk written
+    /// with less) reads nothing and leaves the matrix as it was.
+    void Read(zunFile * file);
+    /// Writes the sixteen values; throws zunException when they don't go out.
+    void Write(zunFile * file) const;
 
     // Transforms of point arrays. Points use the point formula (x' = x·m[0] +
     // y·m[4] + z·m[8] + m[12], ...), directions the linear block alone. A point

@@ -6,6 +6,7 @@
 
 #include "ColorClamp.h"
 #include "ColorSpaces.h"
+#include "FileArrayAccess.h"
 #include "zunException.h"
 
 using zunColorPrivate::Clamp;
@@ -372,4 +373,28 @@ zunColor zunColor::White()
 zunColor zunColor::Yellow()
 {
     return Named(1.0, 1.0, 0.0);
+}
+
+// ---- File form.
+
+zunColor::zunColor(zunFile * file, const zunColor & defaultValue) : zunColor(defaultValue)
+{
+    Read(file);
+}
+
+void zunColor::Read(zunFile * file)
+{
+    // The present color stands in the buffer that is read into, so that a
+    // read stopped at a limit stores it back unchanged.
+    double rgba[4] = {0.0, 0.0, 0.0, m_alpha};
+    Get(rgba[0], rgba[1], rgba[2], rgba[3], RGB);
+    zunFileArrayAccess::Read_Array(file, rgba, sizeof(double), 4, zunFile::DiffersByByteOrder);
+    Set(rgba[0], rgba[1], rgba[2], rgba[3], RGB);
+}
+
+void zunColor::Write(zunFile * file) const
+{
+    double rgba[4] = {0.0, 0.0, 0.0, m_alpha};
+    Get(rgba[0], rgba[1], rgba[2], rgba[3], RGB);
+    zunFileArrayAccess::Write_Array(file, rgba, sizeof(double), 4, zunFile::DiffersByByteOrder);
 }

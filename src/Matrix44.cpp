@@ -10,6 +10,7 @@
 
 #include "CpuClones.h"
 #include "Double4.h"
+#include "FileArrayAccess.h"
 #include "Vector3Math.h"
 #include "zunMem.h"
 
@@ -566,4 +567,21 @@ void zunMatrix44::Transpose(zunMatrix44 & out) const
     for (int r = 0; r < 4; ++r)
         for (int c = 0; c < 4; ++c)
             out.m[4 * c + r] = source.m[4 * r + c];
+}
+
+// ---- File form.
+
+zunMatrix44::zunMatrix44(zunFile * file, const zunMatrix44 & defaultValue) : zunMatrix44(defaultValue)
+{
+    Read(file);
+}
+
+void zunMatrix44::Read(zunFile * file)
+{
+    zunFileArrayAccess::Read_Array(file, m, sizeof(double), 16, zunFile::DiffersByByteOrder);
+}
+
+void zunMatrix44::Write(zunFile * file) const
+{
+    zunFileArrayAccess::Write_Array(file, m, sizeof(double), 16, zunFile::DiffersByByteOrder);
 }

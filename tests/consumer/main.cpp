@@ -120,6 +120,17 @@ int main()
     found.Ascend(in.get());
     failures += !(found == 0x454D414E) || !(hull == "hull") || missing != -1 || !in->IsEOF();
 
+    zunFastMesh<unsigned char> shapes;
+    {
+        std::unique_ptr<zunFile> out = zunFileMem::Create(shapes);
+        zunMatrix44::Identity.Write(out.get());
+        zunColor::White().Write(out.get());
+    }
+    std::unique_ptr<zunFile> shapesIn = zunFileMem::Create(static_cast<const zunFastMesh<unsigned char> &>(shapes));
+    const zunMatrix44 placement(shapesIn.get(), zunMatrix44());
+    const zunColor paint(shapesIn.get(), zunColor::Black());
+    failures += shapes.Count() != 160 || !(placement == zunMatrix44::Identity) || paint.m_c0 != 1.0;
+
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
 }
