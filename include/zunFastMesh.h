@@ -233,6 +233,7 @@ public:
     }
 
     /// Copy(other); a failure leaves this array as it was.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): Copy of the array itself does nothing.
     zunFastMesh & operator=(const zunFastMesh & other)
     {
         Copy(other);

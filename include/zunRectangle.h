@@ -57,10 +57,10 @@ public:
     zunRectangleT(zunVector2T<T> const & corner, zunVector2T<T> const & opposite);
     zunRectangleT(zunVector2T<T> const & corner, zunSizeT<T> const & size);
     zunRectangleT(zunRectangleT const & other) = default;
-    zunRectangleT(zunRectangleT && other) = default;
+    zunRectangleT(zunRectangleT && other) noexcept = default;
 
     zunRectangleT & operator=(zunRectangleT const & other) = default;
-    zunRectangleT & operator=(zunRectangleT && other) = default;
+    zunRectangleT & operator=(zunRectangleT && other) noexcept = default;
 
     zunRectangleT & Set(T left, T top, T width, T height);
     zunRectangleT & Set(zunVector2T<T> const & corner, zunVector2T<T> const & opposite);

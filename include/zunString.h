@@ -81,6 +81,7 @@ template <typename C, typename H> struct zunStringT
     zunStringT & operator=(const C * text);
     /// `other`'s text, or the empty text (a block of one terminator) when
     /// `other` has a null block.
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): the text assignment ignores the string's own block.
     zunStringT & operator=(const zunStringT & other);
     /// The text converted from the other encoding; a null text clears.
     /// Invalid input is replaced, never refused (see zunUTF.h).

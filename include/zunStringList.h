@@ -80,7 +80,7 @@ public:
     zunStringListT & operator=(zunStringListT && other) noexcept;
 
     /// Destroys the flags, the offsets and the texts, in that order.
-    virtual ~zunStringListT() {}
+    virtual ~zunStringListT() = default;
 
     /// Empties the list and frees its blocks.
     virtual void Clear();

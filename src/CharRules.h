@@ -50,7 +50,7 @@ namespace zunCharRules
     /// of the result; raising goes through toupper with the sign-extended value.
     inline char MapCase(char unit, bool toLower)
     {
-        const int extended = static_cast<signed char>(unit);
+        const int extended = static_cast<signed char>(unit); // NOLINT(bugprone-signed-char-misuse): meant, see above
         if (toLower)
             return static_cast<char>(zunPlatform::LowerWide(static_cast<zunWChar>(extended)) & 0xFF);
         return static_cast<char>(zunPlatform::UpperByte(extended));

@@ -48,6 +48,9 @@ zunException::~zunException()
 
 zunException & zunException::operator=(const zunException & other)
 {
+    // memcpy of a text onto itself is undefined; a self-assignment changes nothing.
+    if (&other == this)
+        return *this;
     m_pszFileAndLine = other.m_pszFileAndLine;
     m_pszFunction = other.m_pszFunction;
     std::memcpy(m_szDebugDescription, other.m_szDebugDescription, sizeof(m_szDebugDescription));

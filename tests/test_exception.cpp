@@ -140,6 +140,17 @@ TEST(Exception, AssignmentCopiesTheWholeObject)
     EXPECT_EQ(std::memcmp(target.m_szDebugDescription, source.m_szDebugDescription, 1024), 0);
 }
 
+TEST(Exception, SelfAssignmentKeepsEverything)
+{
+    zunException e("src/d.cpp:4", kSignature);
+    e.SetDebugDescription("dbg %d", 4);
+    const zunException & alias = e;
+    e = alias;
+    EXPECT_STREQ(e.GetFileAndLine(), "src/d.cpp:4");
+    EXPECT_STREQ(e.GetFunction(), kSignature);
+    EXPECT_STREQ(e.GetDebugDescription(), "dbg 4");
+}
+
 TEST(Exception, CounterAtRestAndWhileOneExists)
 {
     EXPECT_FALSE(zunException::IsAnyBeingHandled());

@@ -116,6 +116,7 @@ namespace zunPlatform
             return 0xFFFFFFFF;
         }
         std::vector<char *> argv;
+        argv.reserve(arguments.size() + 1);
         for (const std::string & argument : arguments)
             argv.push_back(const_cast<char *>(argument.c_str()));
         argv.push_back(nullptr);
