@@ -28,6 +28,16 @@ install(FILES
   ${PROJECT_BINARY_DIR}/Kelp_FoundationConfigVersion.cmake
   DESTINATION ${ZUN_CMAKE_DIR})
 
+# The pkg-config file finds its prefix from where it lies, so that a package
+# installed with `cmake --install <build> --prefix <dir>` (the prefix chosen at
+# install time, not at configure time) still gives the right flags.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(ZUN_PC_PREFIX "${CMAKE_INSTALL_PREFIX}")
+else()
+  file(RELATIVE_PATH ZUN_PC_UP "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
+  string(REGEX REPLACE "/$" "" ZUN_PC_UP "${ZUN_PC_UP}")
+  set(ZUN_PC_PREFIX "\${pcfiledir}/${ZUN_PC_UP}")
+endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kelp_foundation.pc.in
   ${PROJECT_BINARY_DIR}/kelp_foundation.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kelp_foundation.pc
