@@ -88,7 +88,7 @@ namespace zunSignalPrivate
     class ZUN_API DestroySignalEmitter
     {
     public:
-        virtual ~DestroySignalEmitter() {}
+        virtual ~DestroySignalEmitter() = default;
     };
 
     /// How DestroySignalEmitterT reaches the map of death notices.
@@ -103,7 +103,7 @@ namespace zunSignalPrivate
     template <class Policy> class ZUN_API DestroySignalEmitterT : public DestroySignalEmitter
     {
     public:
-        DestroySignalEmitterT() {}
+        DestroySignalEmitterT() = default;
         /// Takes nothing from the source: connections belong to an object's identity.
         DestroySignalEmitterT(const DestroySignalEmitterT &) : DestroySignalEmitter() {}
         DestroySignalEmitterT & operator=(const DestroySignalEmitterT &) { return *this; }
@@ -133,7 +133,7 @@ namespace zunSignalPrivate
     template <class... Args> class ZUN_API Handler
     {
     public:
-        virtual ~Handler() {}
+        virtual ~Handler() = default;
         virtual bool IsValid() const = 0;
         virtual bool Equals(Handler * other) const = 0;
         virtual void Invoke(Args... args) = 0;
@@ -200,7 +200,7 @@ namespace zunSignalPrivate
 
     public:
         virtual void Emit(Args... args) = 0;
-        virtual ~SignalBase() {}
+        virtual ~SignalBase() = default;
     };
 
     /// Adds the policy's lock: a recursive mutex for ThreadSafe.
@@ -208,7 +208,7 @@ namespace zunSignalPrivate
     {
     public:
         virtual void Emit(Args... args) = 0;
-        virtual ~SignalBase() {}
+        virtual ~SignalBase() = default;
 
         mutable std::recursive_mutex m_mutex;
     };
@@ -637,7 +637,7 @@ namespace zunSignalPrivate
 template <class Policy> class ZUN_API zunBaseT : public zunSignalPrivate::DestroySignalEmitterT<Policy>
 {
 public:
-    zunBaseT() {}
+    zunBaseT() = default;
     zunBaseT(const zunBaseT &) : zunSignalPrivate::DestroySignalEmitterT<Policy>() {}
     zunBaseT(zunBaseT &&) noexcept : zunSignalPrivate::DestroySignalEmitterT<Policy>() {}
     zunBaseT & operator=(const zunBaseT &) { return *this; }

@@ -118,7 +118,7 @@ namespace zunSignalPrivate
     template class Signal<NoThreadSafe, DestroySignalEmitter *>;
 }
 
-template <class Policy> zunBaseT<Policy>::~zunBaseT() {}
+template <class Policy> zunBaseT<Policy>::~zunBaseT() = default;
 
 template <class Policy> void * zunBaseT<Policy>::operator new(std::size_t size) noexcept
 {
