@@ -25,7 +25,8 @@ ZUN_DEMO_SECTION(990, "A document on disk")
             mesh.Create(0x4853454D); // "MESH"
             file->Write_Int32(3);
             const double corners[9] = {0, 0, 0, 1, 0, 0, 0, 1, 0};
-            file->Write_Array(corners, sizeof corners[0], 9, zunFile::DiffersByByteOrder);
+            for (double coordinate : corners)
+                file->Write_Float(coordinate);
             mesh.Close();
         }
         scene.Close();
