@@ -275,7 +275,7 @@ namespace
     }
 }
 
-#define ZUN_POINT_COUNTS ->Arg(1000000)->Arg(10000000)->Unit(benchmark::kMillisecond)
+#define ZUN_POINT_COUNTS ->RangeMultiplier(10)->Range(100, 10000000)->Unit(benchmark::kMicrosecond)
 
 BENCHMARK_CAPTURE(BM_Copy_Float, stride3, 3u) ZUN_POINT_COUNTS;
 BENCHMARK_CAPTURE(BM_Zun_TransformFloat_InPlace, stride3, 3u) ZUN_POINT_COUNTS;

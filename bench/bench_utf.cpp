@@ -1,11 +1,16 @@
-// UTF-8 -> UTF-16 and back: the library beside ICU (with U+FFFD substitution)
-// and utfcpp, each producing a new text of exactly the converted size, on
-// ASCII, Latin-heavy, CJK, emoji and invalid input.
+// UTF-8 -> UTF-16 and back: the library beside ICU (with U+FFFD substitution),
+// utfcpp and the C library's iconv, each producing a new text, on ASCII,
+// Latin-heavy, CJK, emoji and invalid input. ICU and the library size their
+// result exactly; utfcpp grows a string; iconv fills a worst-case block and
+// substitutes U+FFFD for each byte it refuses.
 #include <benchmark/benchmark.h>
 
 #include <unicode/ustring.h>
 #include <utf8.h>
 
+#include <iconv.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <string>
 
@@ -105,6 +110,48 @@ namespace
         SetBytes(state, text.size());
     }
 
+    // Converts with iconv into a block of `capacity` bytes, putting
+    // `replacement` in place of each unit of `unit` bytes that it refuses.
+    std::size_t IconvConvert(iconv_t converter, const char * in, std::size_t inBytes, char * out, std::size_t capacity,
+                             const char * replacement, std::size_t replacementBytes, std::size_t unit)
+    {
+        iconv(converter, nullptr, nullptr, nullptr, nullptr);
+        char * source = const_cast<char *>(in);
+        char * target = out;
+        std::size_t left = capacity;
+        while (inBytes > 0)
+        {
+            if (iconv(converter, &source, &inBytes, &target, &left) != static_cast<std::size_t>(-1))
+                break;
+            if (errno == E2BIG || left < replacementBytes)
+                break;
+            const std::size_t skip = inBytes < unit ? inBytes : unit;
+            source += skip;
+            inBytes -= skip;
+            for (std::size_t i = 0; i < replacementBytes; ++i)
+                *target++ = replacement[i];
+            left -= replacementBytes;
+        }
+        return capacity - left;
+    }
+
+    void Iconv_8to16(benchmark::State & state, Sample sample)
+    {
+        const std::string text = MakeText(sample, static_cast<std::size_t>(state.range(0)));
+        iconv_t converter = iconv_open("UTF-16LE", "UTF-8");
+        const char replacement[2] = {'\xFD', '\xFF'};
+        for (auto _ : state)
+        {
+            const std::size_t capacity = 2 * text.size() + 2;
+            auto * out = static_cast<char *>(std::malloc(capacity));
+            benchmark::DoNotOptimize(IconvConvert(converter, text.data(), text.size(), out, capacity, replacement, 2, 1));
+            benchmark::DoNotOptimize(out);
+            std::free(out);
+        }
+        iconv_close(converter);
+        SetBytes(state, text.size());
+    }
+
     // --- UTF-16 -> UTF-8 ---------------------------------------------------
 
     void Zun_16to8(benchmark::State & state, Sample sample)
@@ -148,36 +195,63 @@ namespace
         }
         SetBytes(state, wide.size() * 2);
     }
+
+    void Iconv_16to8(benchmark::State & state, Sample sample)
+    {
+        const std::u16string wide = Widen(MakeText(sample, static_cast<std::size_t>(state.range(0))));
+        iconv_t converter = iconv_open("UTF-8", "UTF-16LE");
+        const char replacement[3] = {'\xEF', '\xBF', '\xBD'};
+        for (auto _ : state)
+        {
+            const std::size_t capacity = 3 * wide.size() + 1;
+            auto * out = static_cast<char *>(std::malloc(capacity));
+            benchmark::DoNotOptimize(IconvConvert(converter, reinterpret_cast<const char *>(wide.data()),
+                                                  2 * wide.size(), out, capacity, replacement, 3, 2));
+            benchmark::DoNotOptimize(out);
+            std::free(out);
+        }
+        iconv_close(converter);
+        SetBytes(state, wide.size() * 2);
+    }
 }
 
 #define ZUN_UTF_BENCH(function, sample)                                                                                \
-    BENCHMARK_CAPTURE(function, sample, sample)->RangeMultiplier(10)->Range(100, 1000000)
+    BENCHMARK_CAPTURE(function, sample, sample)->RangeMultiplier(10)->Range(100, 10000000)
 
 ZUN_UTF_BENCH(Zun_8to16, Ascii);
 ZUN_UTF_BENCH(Icu_8to16, Ascii);
 ZUN_UTF_BENCH(Utfcpp_8to16, Ascii);
+ZUN_UTF_BENCH(Iconv_8to16, Ascii);
 ZUN_UTF_BENCH(Zun_8to16, Latin);
 ZUN_UTF_BENCH(Icu_8to16, Latin);
 ZUN_UTF_BENCH(Utfcpp_8to16, Latin);
+ZUN_UTF_BENCH(Iconv_8to16, Latin);
 ZUN_UTF_BENCH(Zun_8to16, Cjk);
 ZUN_UTF_BENCH(Icu_8to16, Cjk);
 ZUN_UTF_BENCH(Utfcpp_8to16, Cjk);
+ZUN_UTF_BENCH(Iconv_8to16, Cjk);
 ZUN_UTF_BENCH(Zun_8to16, Emoji);
 ZUN_UTF_BENCH(Icu_8to16, Emoji);
 ZUN_UTF_BENCH(Utfcpp_8to16, Emoji);
+ZUN_UTF_BENCH(Iconv_8to16, Emoji);
 ZUN_UTF_BENCH(Zun_8to16, Invalid);
 ZUN_UTF_BENCH(Icu_8to16, Invalid);
 ZUN_UTF_BENCH(Utfcpp_8to16, Invalid);
+ZUN_UTF_BENCH(Iconv_8to16, Invalid);
 
 ZUN_UTF_BENCH(Zun_16to8, Ascii);
 ZUN_UTF_BENCH(Icu_16to8, Ascii);
 ZUN_UTF_BENCH(Utfcpp_16to8, Ascii);
+ZUN_UTF_BENCH(Iconv_16to8, Ascii);
 ZUN_UTF_BENCH(Zun_16to8, Latin);
 ZUN_UTF_BENCH(Icu_16to8, Latin);
 ZUN_UTF_BENCH(Utfcpp_16to8, Latin);
+ZUN_UTF_BENCH(Iconv_16to8, Latin);
 ZUN_UTF_BENCH(Zun_16to8, Cjk);
 ZUN_UTF_BENCH(Icu_16to8, Cjk);
 ZUN_UTF_BENCH(Utfcpp_16to8, Cjk);
+ZUN_UTF_BENCH(Iconv_16to8, Cjk);
 ZUN_UTF_BENCH(Zun_16to8, Emoji);
 ZUN_UTF_BENCH(Icu_16to8, Emoji);
 ZUN_UTF_BENCH(Utfcpp_16to8, Emoji);
+ZUN_UTF_BENCH(Iconv_16to8, Emoji);
