@@ -144,7 +144,8 @@ namespace
         {
             const std::size_t capacity = 2 * text.size() + 2;
             auto * out = static_cast<char *>(std::malloc(capacity));
-            benchmark::DoNotOptimize(IconvConvert(converter, text.data(), text.size(), out, capacity, replacement, 2, 1));
+            benchmark::DoNotOptimize(
+                IconvConvert(converter, text.data(), text.size(), out, capacity, replacement, 2, 1));
             benchmark::DoNotOptimize(out);
             std::free(out);
         }
