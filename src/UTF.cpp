@@ -262,9 +262,13 @@ namespace
         return o;
     }
 
-    // Up to this many source units a conversion allocates for the worst case
-    // and converts in one pass; above it, it sizes first and allocates exactly.
-    constexpr std::size_t kOnePassLimit = std::size_t(1) << 20;
+    // Up to this many source units a conversion allocates for the worst case,
+    // converts in one pass and gives the rest of the block back; above it, it
+    // sizes first and allocates exactly, so that the passing excess (up to
+    // three bytes per unit) stays bounded. A sizing pass rereads the whole
+    // source from memory once its length outgrows the caches, which is why
+    // the limit is high.
+    constexpr std::size_t kOnePassLimit = std::size_t(1) << 24;
 
     void * AllocateOrThrow(std::size_t bytes)
     {
@@ -297,11 +301,14 @@ namespace
 
     // The platform converter takes an int length: -1 for "up to and with the
     // terminator", and it fails on any other negative length.
-    bool SourceUnits(unsigned int length, std::size_t wholeTextUnits, std::size_t & units)
+    // The whole text is measured only when asked for: a caller's length may
+    // cover a buffer that has no terminator behind it.
+    template <typename MeasureWholeText>
+    bool SourceUnits(unsigned int length, MeasureWholeText measureWholeText, std::size_t & units)
     {
         if (length == kWholeText)
         {
-            units = wholeTextUnits;
+            units = measureWholeText();
             return true;
         }
         if (length > static_cast<unsigned int>(INT_MAX))
@@ -353,7 +360,10 @@ namespace zunUTFPrivate
     {
         std::size_t units = 0;
         std::size_t count = 0;
-        if (text != nullptr && SourceUnits(length, std::strlen(text) + 1, units) && units > 0)
+        if (text != nullptr &&
+            SourceUnits(
+                length, [text] { return std::strlen(text) + 1; }, units) &&
+            units > 0)
         {
             const auto * source = reinterpret_cast<const unsigned char *>(text);
             if (units <= kOnePassLimit)
@@ -389,7 +399,10 @@ namespace zunUTFPrivate
         out = nullptr;
         std::size_t units = 0;
         std::size_t count = 0;
-        if (text != nullptr && SourceUnits(length, WideLength(text) + 1, units) && units > 0)
+        if (text != nullptr &&
+            SourceUnits(
+                length, [text] { return WideLength(text) + 1; }, units) &&
+            units > 0)
         {
             if (units <= kOnePassLimit)
             {

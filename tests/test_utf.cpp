@@ -6,6 +6,7 @@
 #include <unicode/ustring.h>
 
 #include <cstring>
+#include <memory>
 #include <random>
 #include <string>
 #include <vector>
@@ -458,12 +459,27 @@ TEST(UTFReference, AsciiRunsOfEveryAlignmentAroundOtherCharacters)
 
 TEST(UTFReference, LargeTextsTakeTheSizedPath)
 {
-    // Above a million source units the converter sizes before it allocates.
+    // Above 16 Mi source units the converter sizes before it allocates.
     std::mt19937 rng(99);
     std::string bytes;
-    while (bytes.size() < (std::size_t(1) << 20) + 1000)
+    while (bytes.size() < (std::size_t(1) << 24) + 1000)
         bytes += RandomUTF8Like(rng, 50);
     const U16 expected = ReferenceUTF16(bytes);
     EXPECT_EQ(ToUTF16(bytes), expected);
     EXPECT_EQ(ToUTF8(expected), ReferenceUTF8(expected));
+}
+
+TEST(UTFReference, AGivenLengthNeedsNoTerminatorBehindIt)
+{
+    // Blocks of exactly the given units, with no terminator: nothing behind
+    // them is read (AddressSanitizer reports any read past the block).
+    const std::unique_ptr<char[]> narrow(new char[3]{'a', '\xC3', '\xA9'});
+    const zunUTF16 wide(narrow.get(), 3);
+    ASSERT_EQ(wide.Length(), 2u);
+    EXPECT_EQ(wide.Get16()[0], u'a');
+    EXPECT_EQ(wide.Get16()[1], u'\u00E9');
+    const std::unique_ptr<zunWChar[]> units(new zunWChar[2]{u'a', u'\u00E9'});
+    const zunUTF8 back(units.get(), 2);
+    ASSERT_EQ(back.Length(), 3u);
+    EXPECT_EQ(std::string(back.Get8(), 3), "a\xC3\xA9");
 }
