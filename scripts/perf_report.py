@@ -106,6 +106,12 @@ NOTES = {
                                 "terminator, so every append allocates and copies the whole text. "
                                 "std::string grows geometrically. The cost is part of the string's contract: it keeps no capacity.",
     ("bench_string", "Assign"): "Assigning allocates a block of the exact size every time (no capacity kept).",
+    ("bench_signal", "Emit"): "Emission is a virtual call, and each handler an object called through a virtual "
+                              "Invoke and a member-function pointer with its adjustment; the loop also keeps the "
+                              "rules for blocked, re-entrant and throwing emissions and for handlers removed "
+                              "meanwhile. A std::function vector keeps none of these promises.",
+    ("bench_signal", "Death"): "Every zunBaseT object looks its address up in the process-wide map of death "
+                               "notices as it dies; a plain object has nothing to look up.",
 }
 
 # Families plotted as throughput against input size.
