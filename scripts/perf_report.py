@@ -106,6 +106,11 @@ NOTES = {
                                 "terminator, so every append allocates and copies the whole text. "
                                 "std::string grows geometrically. The cost is part of the string's contract: it keeps no capacity.",
     ("bench_string", "Assign"): "Assigning allocates a block of the exact size every time (no capacity kept).",
+    ("bench_matrix", "TransformFloat"): "The library widens every float coordinate to double and applies its "
+                                        "double matrix, as its results must be the double formula's narrowed "
+                                        "to float; the Eigen peer computes in float, with twice the lanes per "
+                                        "vector instruction. On short arrays that shows; on long ones memory "
+                                        "decides and the library leads.",
     ("bench_signal", "Emit"): "Emission is a virtual call, and each handler an object called through a virtual "
                               "Invoke and a member-function pointer with its adjustment; the loop also keeps the "
                               "rules for blocked, re-entrant and throwing emissions and for handlers removed "
