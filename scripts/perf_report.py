@@ -69,6 +69,8 @@ RULES = {
     ],
     "bench_string": [
         (r"(\w+?)_zunStringW_FromUtf8", "{1}", LIBRARY + " (zunStringW from UTF-8)"),
+        (r"(\w+?)_zunStringW", "{1} (UTF-16)", LIBRARY),
+        (r"(\w+?)_stdU16StringViaNarrow", "{1} (UTF-16)", "std::u16string via narrow"),
         (r"(\w+?)_zunString", "{1}", LIBRARY),
         (r"(\w+?)_stdU16\w*", "{1}", "std::u16string"),
         (r"(\w+?)_std\w*", "{1}", "std::string"),
@@ -105,6 +107,11 @@ NOTES = {
     ("bench_string", "Append"): "A zunString keeps no spare capacity: its block is exactly the text and its "
                                 "terminator, so every append allocates and copies the whole text. "
                                 "std::string grows geometrically. The cost is part of the string's contract: it keeps no capacity.",
+    ("bench_string", "Printf (UTF-16)"): "A string formats twice by its contract, once to measure and once to "
+                                         "write into a block of the exact size; the peer formats once into a "
+                                         "stack buffer. Nearly all the time is the runtime's number formatting.",
+    ("bench_string", "CompareEqual"): "Equality is one call into the shared library, which checks the checksum and "
+                                      "the length before it compares bytes; std::string's is inlined.",
     ("bench_string", "Assign"): "Assigning allocates a block of the exact size every time (no capacity kept).",
     ("bench_matrix", "TransformFloat"): "The library widens every float coordinate to double and applies its "
                                         "double matrix, as its results must be the double formula's narrowed "

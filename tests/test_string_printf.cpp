@@ -3,6 +3,7 @@
 // of the 16-bit formatter.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
@@ -276,4 +277,15 @@ TEST_F(StringPrintf, WideFormatErrorsClear)
     EXPECT_EQ(w.Printf(ZUN_W("%d%n"), 5, &count), 0u); // %n writes nowhere here
     EXPECT_EQ(count, 0);
     EXPECT_EQ(w.m_pData, nullptr);
+}
+
+TEST_F(StringPrintf, WideIntegersMatchTheRuntime)
+{
+    // Bare %d and %i are written without the runtime; every other form goes
+    // through it. Both must give what the narrow formatter gives.
+    EXPECT_EQ(WidePrintf(ZUN_W("%d %i %d %d %d"), 0, -7, 42, INT_MIN, INT_MAX),
+              Narrow("%d %i %d %d %d", 0, -7, 42, INT_MIN, INT_MAX));
+    EXPECT_EQ(WidePrintf(ZUN_W("[%5d|%-4d|%+d|% d|%05d|%.3d|%x|%u]"), 12, -3, 8, 9, -42, 7, 255, 4000000000u),
+              Narrow("[%5d|%-4d|%+d|% d|%05d|%.3d|%x|%u]", 12, -3, 8, 9, -42, 7, 255, 4000000000u));
+    EXPECT_EQ(WidePrintf(ZUN_W("%ld %lld %hd"), -5L, -6LL, 7), Narrow("%ld %lld %hd", -5L, -6LL, 7));
 }

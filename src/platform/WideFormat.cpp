@@ -217,21 +217,45 @@ namespace
         return true;
     }
 
+    // Writes `value` (not negative) in decimal at `at`; returns the end.
+    char * AppendDecimal(char * at, int value)
+    {
+        char digits[12];
+        int count = 0;
+        do
+            digits[count++] = static_cast<char>('0' + value % 10);
+        while ((value /= 10) != 0);
+        while (count > 0)
+            *at++ = digits[--count];
+        return at;
+    }
+
     // The narrow directive that formats one number as the runtime does:
-    // "%", flags, width and precision as numbers, size, conversion.
+    // "%", flags, width and precision as numbers, size, conversion. Built by
+    // hand: it is made for every number of every format, twice per string.
     struct NarrowDirective
     {
-        char text[48];
+        char text[48]; // '%', '-', 4 flags, 2 x 10 digits, '.', 2 size letters, conversion, terminator
 
         NarrowDirective(const Directive & d, const char * size)
         {
-            std::snprintf(text, sizeof(text), "%%%s%s", d.leftAlign ? "-" : "", d.flags);
-            std::size_t used = std::strlen(text);
+            char * at = text;
+            *at++ = '%';
+            if (d.leftAlign)
+                *at++ = '-';
+            for (const char * flag = d.flags; *flag != 0 && flag < d.flags + sizeof(d.flags); ++flag)
+                *at++ = *flag;
             if (d.width >= 0)
-                used += static_cast<std::size_t>(std::snprintf(text + used, sizeof(text) - used, "%d", d.width));
+                at = AppendDecimal(at, d.width);
             if (d.precision >= 0)
-                used += static_cast<std::size_t>(std::snprintf(text + used, sizeof(text) - used, ".%d", d.precision));
-            std::snprintf(text + used, sizeof(text) - used, "%s%c", size, static_cast<char>(d.conversion));
+            {
+                *at++ = '.';
+                at = AppendDecimal(at, d.precision);
+            }
+            while (*size != 0)
+                *at++ = *size++;
+            *at++ = static_cast<char>(d.conversion);
+            *at = 0;
         }
     };
 
@@ -261,12 +285,41 @@ namespace
         return true;
     }
 
+    // A bare %d or %i of an int, the most common directive, written without
+    // the runtime's formatter: the digits alone, a minus sign before them.
+    bool PutPlainInt(Output & out, int value)
+    {
+        char digits[12];
+        char * end = digits;
+        unsigned int magnitude = value < 0 ? 0u - static_cast<unsigned int>(value) : static_cast<unsigned int>(value);
+        do
+            *end++ = static_cast<char>('0' + magnitude % 10);
+        while ((magnitude /= 10) != 0);
+        if (value < 0)
+            *end++ = '-';
+        const std::size_t count = static_cast<std::size_t>(end - digits);
+        if (!out.Fits(count))
+            return false;
+        if (out.Writing())
+            for (std::size_t i = 0; i < count; ++i)
+                out.Cursor()[i] = static_cast<zunWChar>(digits[count - 1 - i]);
+        out.Advance(count);
+        return true;
+    }
+
+    bool IsBareDirective(const Directive & d)
+    {
+        return d.flags[0] == 0 && !d.leftAlign && d.width < 0 && d.precision < 0;
+    }
+
     bool PutInteger(Output & out, const Directive & d, Arguments & args)
     {
         switch (d.size)
         {
         case Size::Default:
         case Size::Int32:
+            if ((d.conversion == 'd' || d.conversion == 'i') && IsBareDirective(d))
+                return PutPlainInt(out, va_arg(args.list, int));
             return PutNumber(out, NarrowDirective(d, ""), va_arg(args.list, int));
         case Size::Char:
             return PutNumber(out, NarrowDirective(d, "hh"), va_arg(args.list, int));
