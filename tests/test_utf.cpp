@@ -3,14 +3,13 @@
 // as an independent reference.
 #include <gtest/gtest.h>
 
-#include <unicode/ustring.h>
-
 #include <cstring>
 #include <memory>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "UTFReference.h"
 #include "zunUTF.h"
 
 namespace
@@ -37,29 +36,15 @@ namespace
     // ICU with U+FFFD substitution: the reference for both directions.
     U16 ReferenceUTF16(const std::string & bytes)
     {
-        UErrorCode error = U_ZERO_ERROR;
-        int32_t length = 0;
-        u_strFromUTF8WithSub(nullptr, 0, &length, bytes.data(), static_cast<int32_t>(bytes.size()), 0xFFFD, nullptr,
-                             &error);
-        U16 result(static_cast<std::size_t>(length), u'\0');
-        error = U_ZERO_ERROR;
-        u_strFromUTF8WithSub(result.data(), length, &length, bytes.data(), static_cast<int32_t>(bytes.size()), 0xFFFD,
-                             nullptr, &error);
-        EXPECT_TRUE(U_SUCCESS(error) || error == U_STRING_NOT_TERMINATED_WARNING);
+        U16 result;
+        EXPECT_TRUE(utfReference::ToUTF16(bytes, result));
         return result;
     }
 
     std::string ReferenceUTF8(const U16 & units)
     {
-        UErrorCode error = U_ZERO_ERROR;
-        int32_t length = 0;
-        u_strToUTF8WithSub(nullptr, 0, &length, units.data(), static_cast<int32_t>(units.size()), 0xFFFD, nullptr,
-                           &error);
-        std::string result(static_cast<std::size_t>(length), '\0');
-        error = U_ZERO_ERROR;
-        u_strToUTF8WithSub(result.data(), length, &length, units.data(), static_cast<int32_t>(units.size()), 0xFFFD,
-                           nullptr, &error);
-        EXPECT_TRUE(U_SUCCESS(error) || error == U_STRING_NOT_TERMINATED_WARNING);
+        std::string result;
+        EXPECT_TRUE(utfReference::ToUTF8(units, result));
         return result;
     }
 
