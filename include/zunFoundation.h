@@ -14,8 +14,10 @@
 #include "zunDebug.h"
 #include "zunException.h"
 #include "zunFastMesh.h"
+#include "zunFeatureID.h"
 #include "zunFile.h"
 #include "zunFlags.h"
+#include "zunGUID.h"
 #include "zunGeometry.h"
 #include "zunIndexIterator.h"
 #include "zunInterpolator.h"
@@ -34,5 +36,6 @@
 #include "zunToneMap.h"
 #include "zunTypes.h"
 #include "zunUTF.h"
+#include "zunVersion.h"
 
 #endif // ZUN_FOUNDATION_H

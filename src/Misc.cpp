@@ -1,9 +1,16 @@
-// The library's self-test of its container walks (zunSelfTest.h).
+// The library's self-test of its container walks (zunSelfTest.h), and
+// zunFeatureID (zunFeatureID.h).
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 
+#include "FileArrayAccess.h"
 #include "SelfTestReport.h"
+#include "ThrowSite.h"
 #include "zunFastMesh.h"
+#include "zunFeatureID.h"
+#include "zunFile.h"
+#include "zunMem.h"
 #include "zunSelfTest.h"
 #include "zunStringList.h"
 
@@ -153,4 +160,162 @@ void zunFoundation_UnitTest()
     std::puts("\nSTD_StringList\n");
     zunStringListT<char> list{"0", "1", "2", "3", "4"};
     CheckIteratorWalks(list);
+}
+
+// ---- zunFeatureID: a path of 32-bit ids in one array, and its file form.
+
+const zunFeatureID zunFeatureID::Empty;
+
+zunFeatureID::zunFeatureID() = default;
+
+zunFeatureID::zunFeatureID(const zunFeatureID & other) : m_aIds(other.m_aIds) {}
+
+zunFeatureID::zunFeatureID(const unsigned int * ids, unsigned int count)
+{
+    // Set only reads through the pointer.
+    Set(const_cast<unsigned int *>(ids), count);
+}
+
+zunFeatureID::zunFeatureID(zunFile * file, const zunFeatureID & defaultValue) : m_aIds(defaultValue.m_aIds)
+{
+    Read(file);
+}
+
+zunFeatureID & zunFeatureID::operator=(const zunFeatureID & other)
+{
+    m_aIds = other.m_aIds;
+    return *this;
+}
+
+bool zunFeatureID::New()
+{
+    m_aIds.Clear();
+    return true;
+}
+
+bool zunFeatureID::IsEmpty() const
+{
+    return m_aIds.Count() == 0;
+}
+
+const unsigned int * zunFeatureID::DataPtrGet() const
+{
+    return m_aIds.Data();
+}
+
+unsigned int zunFeatureID::DataCountGet() const
+{
+    return m_aIds.Count();
+}
+
+bool zunFeatureID::Push(unsigned int id)
+{
+    return m_aIds.Add(id);
+}
+
+bool zunFeatureID::Push(const unsigned int * ids, unsigned int count)
+{
+    return m_aIds.InsertRange(kNone, ids, count);
+}
+
+bool zunFeatureID::Push(const zunGUID & guid)
+{
+    unsigned int words[4];
+    std::memcpy(words, &guid, sizeof words);
+    return Push(words, 4);
+}
+
+bool zunFeatureID::Push(const zunFeatureID & other)
+{
+    return Push(other.DataPtrGet(), other.DataCountGet());
+}
+
+bool zunFeatureID::Set(unsigned int * ids, unsigned int count)
+{
+    if (ids == nullptr || count == 0)
+    {
+        m_aIds.Clear();
+        return true;
+    }
+    if (!m_aIds.SetCount(count, false))
+        return false;
+    zunMemCopy32(&m_aIds[0], ids, count);
+    return true;
+}
+
+bool zunFeatureID::Set(const zunGUID & guid)
+{
+    if (!m_aIds.SetCount(4, false))
+        return false;
+    std::memcpy(&m_aIds[0], &guid, sizeof guid);
+    return true;
+}
+
+bool zunFeatureID::Set(const zunFeatureID & other)
+{
+    m_aIds.Clear();
+    // Read after the clear: Set(*this) leaves the sequence empty.
+    return m_aIds.InsertRange(kNone, other.DataPtrGet(), other.DataCountGet());
+}
+
+zunString zunFeatureID::ToString(bool hexadecimal) const
+{
+    zunString text("{ ");
+    zunString number;
+    for (unsigned int i = 0; i < m_aIds.Count(); ++i)
+    {
+        if (hexadecimal)
+            number.Printf("%x", m_aIds[i]);
+        else
+            number.Printf("%d", static_cast<int>(m_aIds[i]));
+        if (i != 0)
+            text << ", ";
+        text << number;
+    }
+    text << " }";
+    return text;
+}
+
+bool zunFeatureID::operator==(const zunFeatureID & other) const
+{
+    const unsigned int count = m_aIds.Count();
+    return count == other.m_aIds.Count() && (count == 0 || zunMemCmpEq32(m_aIds.Data(), other.m_aIds.Data(), count));
+}
+
+bool zunFeatureID::operator!=(const zunFeatureID & other) const
+{
+    return !(*this == other);
+}
+
+bool zunFeatureID::operator<(const zunFeatureID & other) const
+{
+    const unsigned int count = m_aIds.Count();
+    const unsigned int otherCount = other.m_aIds.Count();
+    for (unsigned int i = 0; i < count && i < otherCount; ++i)
+        if (m_aIds[i] != other.m_aIds[i])
+            return m_aIds[i] < other.m_aIds[i];
+    return count < otherCount;
+}
+
+void zunFeatureID::Read(zunFile * file)
+{
+    m_aIds.Clear();
+    unsigned int count = 0;
+    file->Read_UInt32(count);
+    if (count == 0)
+        return;
+    // Zeroed, where the stored form leaves the ids unset: a limit that stops
+    // the array read below must not leave indeterminate ids behind.
+    unsigned int * ids = m_aIds.Extend(count, true);
+    if (ids == nullptr)
+        throw ZUN_EXCEPTION("void __cdecl zunFeatureID::Read(struct zunFile *) throw(struct zunException)");
+    zunFileArrayAccess::Read_Array(file, ids, 4, count, zunFile::DiffersByByteOrder);
+}
+
+void zunFeatureID::Write(zunFile * file) const
+{
+    const unsigned int count = m_aIds.Count();
+    file->Write_UInt32(count);
+    if (count != 0)
+        zunFileArrayAccess::Write_Array(file, m_aIds.Data(), 4, count, zunFile::DiffersByByteOrder);
 }

@@ -1,0 +1,68 @@
+// zunGUID.h - 128-bit identifiers, the keys of user data and cached data.
+//
+// A zunGUID is 16 plain bytes laid out as the platform's UUID: a 32-bit word,
+// two 16-bit words and 8 bytes. Its text form is five groups of 8, 4, 4, 4 and
+// 12 hexadecimal digits joined by hyphens, without braces.
+//
+//   zunGUID fresh;                                            // a new identifier
+//   zunGUID known("6b29fc40-ca47-1067-b31d-00dd010662da");  // parsed
+//   if (known == zunGUID::Invalid) { /* the text was no identifier */ }
+//   zunString text = known.ToString();                       // lower case
+//
+// The rules a caller must know:
+//  - The default constructor makes a new unique value; it is not Invalid.
+//  - Bad text does not throw: it gives Invalid (all zero), which cannot be
+//    told from a parsed all-zero text. Digits may be of either case; the
+//    empty text and text with braces are refused.
+//  - operator< is memcmp order of the 16 stored bytes, so on a little-endian
+//    machine it is not the order of the text forms.
+//  - File form, 16 bytes: Data1 as a 32-bit integer, Data2 and Data3 as 16-bit
+//    integers (all three in the stream's byte order), then Data4 as 8 bytes.
+//    A read stopped by a chunk's limit leaves each unread field as it was;
+//    the reading constructor therefore takes the default value first.
+#ifndef ZUN_GUID_H
+#define ZUN_GUID_H
+
+#include "zunConfig.h"
+#include "zunString.h"
+
+struct zunFile;
+
+struct ZUN_API zunGUID
+{
+    unsigned int Data1;
+    unsigned short Data2;
+    unsigned short Data3;
+    unsigned char Data4[8];
+
+    /// The all-zero value, parsed from "00000000-0000-0000-0000-000000000000"
+    /// at library load.
+    static const zunGUID Invalid;
+
+    /// A new unique identifier from the platform's UUID service.
+    zunGUID();
+    /// Parses `text`; a string without a buffer is the empty text. Invalid on failure.
+    zunGUID(const zunString & text);
+    /// Parses `text` (null is the empty text). Invalid on failure.
+    zunGUID(const char * text);
+    zunGUID(const zunGUID & other) = default;
+    zunGUID & operator=(const zunGUID & other) = default;
+    /// `defaultValue`, then Read(file).
+    zunGUID(zunFile * file, const zunGUID & defaultValue);
+
+    /// 36 lower-case characters; the empty string if the platform fails.
+    zunString ToString() const;
+    /// ToString widened unit by unit.
+    zunStringW ToString16() const;
+
+    /// All 16 bytes.
+    bool operator==(const zunGUID & other) const;
+    bool operator!=(const zunGUID & other) const;
+    /// memcmp order of the 16 stored bytes.
+    bool operator<(const zunGUID & other) const;
+
+    void Read(zunFile * file);
+    void Write(zunFile * file) const;
+};
+
+#endif // ZUN_GUID_H
