@@ -7,6 +7,7 @@
 
 #include "zunBBox.h"
 #include "zunBlendFunction.h"
+#include "zunCachedData.h"
 #include "zunCharHelper.h"
 #include "zunChunk.h"
 #include "zunColor.h"
@@ -36,6 +37,7 @@
 #include "zunToneMap.h"
 #include "zunTypes.h"
 #include "zunUTF.h"
+#include "zunUserData.h"
 #include "zunVersion.h"
 
 #endif // ZUN_FOUNDATION_H

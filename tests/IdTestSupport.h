@@ -43,12 +43,14 @@ namespace idtest
     inline zunFastMesh<unsigned char> Truncated(const std::function<void(zunFile *)> & write, unsigned int kept)
     {
         const zunFastMesh<unsigned char> full = Written(write);
-        return Written([&](zunFile * file) {
-            zunChunk chunk(file);
-            chunk.Create(kFenceFCC);
-            file->Write_Block(full.Data(), kept);
-            chunk.Close();
-        });
+        return Written(
+            [&](zunFile * file)
+            {
+                zunChunk chunk(file);
+                chunk.Create(kFenceFCC);
+                file->Write_Block(full.Data(), kept);
+                chunk.Close();
+            });
     }
 
     /// Runs `read` inside the chunk made by Truncated; true if the reader

@@ -13,8 +13,8 @@
 #include "MemTesting.h"
 
 using idtest::BytesOf;
-using idtest::ReadFenced;
 using idtest::Reader;
+using idtest::ReadFenced;
 using idtest::Truncated;
 using idtest::Written;
 using Bytes = std::vector<unsigned char>;
@@ -135,8 +135,8 @@ TEST(GUID, FileFormLittleEndian)
 {
     const zunGUID guid(kSample);
     const auto mesh = Written([&](zunFile * f) { guid.Write(f); });
-    EXPECT_EQ(BytesOf(mesh), (Bytes{0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xAA, 0xBB, 0xCC,
-                                    0xDD, 0xEE, 0xFF}));
+    EXPECT_EQ(BytesOf(mesh),
+              (Bytes{0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}));
     auto file = Reader(mesh);
     EXPECT_EQ(zunGUID(file.get(), zunGUID::Invalid), guid);
 }
@@ -145,8 +145,8 @@ TEST(GUID, FileFormBigEndianKeepsData4InTextOrder)
 {
     const zunGUID guid(kSample);
     const auto mesh = Written([&](zunFile * f) { guid.Write(f); }, zunSystem::Big);
-    EXPECT_EQ(BytesOf(mesh), (Bytes{0x00, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 0x99, 0xAA, 0xBB, 0xCC,
-                                    0xDD, 0xEE, 0xFF}));
+    EXPECT_EQ(BytesOf(mesh),
+              (Bytes{0x00, 0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x77, 0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}));
     auto file = Reader(mesh, zunSystem::Big);
     zunGUID read(zunGUID::Invalid);
     read.Read(file.get());
@@ -233,8 +233,7 @@ TEST(Version, Major2000AloneIsInvalid)
 
 TEST(Version, ComparisonsFollowTheRawValue)
 {
-    const zunVersion older(0x15120123), build(0x15120124), revision(0x15130000), minor(0x15200000),
-        major(0x16000000);
+    const zunVersion older(0x15120123), build(0x15120124), revision(0x15130000), minor(0x15200000), major(0x16000000);
     EXPECT_TRUE(older < build && build < revision && revision < minor && minor < major);
     EXPECT_TRUE(older <= older && older >= older && major > older && !(older > major));
     EXPECT_TRUE(older != build && older == zunVersion(0x15120123));
@@ -472,8 +471,7 @@ TEST(FeatureID, ReadThrowsWhenTheHeapCannotHoldTheCount)
     catch (const zunException & e)
     {
         EXPECT_EQ(std::string(e.GetFileAndLine()).rfind("src/Misc.cpp:", 0), 0u);
-        EXPECT_STREQ(e.GetFunction(),
-                     "void __cdecl zunFeatureID::Read(struct zunFile *) throw(struct zunException)");
+        EXPECT_STREQ(e.GetFunction(), "void __cdecl zunFeatureID::Read(struct zunFile *) throw(struct zunException)");
         EXPECT_STREQ(e.GetDescription(), "");
         EXPECT_STREQ(e.GetDebugDescription(), "");
     }
