@@ -51,11 +51,7 @@ public:
 
     /// The record under `id` as a T, or null when there is none or it is of
     /// another type. The container keeps ownership.
-    template <class T>
-    T * GetCachedData(const zunGUID & id) const
-    {
-        return dynamic_cast<T *>(FindCachedData(id));
-    }
+    template <class T> T * GetCachedData(const zunGUID & id) const { return dynamic_cast<T *>(FindCachedData(id)); }
 
 private:
     zunCachedData * FindCachedData(const zunGUID & id) const;

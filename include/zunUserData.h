@@ -106,11 +106,7 @@ public:
 
     /// The record under `id` as a T, or null when there is none or it is of
     /// another type. The manager keeps ownership.
-    template <class T>
-    T * GetUserData(const zunGUID & id) const
-    {
-        return dynamic_cast<T *>(GetUserDataInternal(id));
-    }
+    template <class T> T * GetUserData(const zunGUID & id) const { return dynamic_cast<T *>(GetUserDataInternal(id)); }
 
     /// Replaces the records with those of the file.
     void Read(zunFile & file);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -80,14 +81,21 @@ namespace
         return number != nullptr ? number->value : -100;
     }
 
-    /// One record chunk as Write makes it, with a number as payload.
-    void WriteChunk(zunFile * file, const zunGUID & id, int payload, unsigned int fcc = Manager::ChunkFCC)
+    /// One record chunk as Write makes it, with numbers as payload.
+    void WriteChunk(zunFile * file, const zunGUID & id, const std::vector<int> & payload,
+                    unsigned int fcc = Manager::ChunkFCC)
     {
         zunChunk chunk(file);
         chunk.Create(fcc);
         id.Write(file);
-        file->Write_Int32(payload);
+        for (int value : payload)
+            file->Write_Int32(value);
         chunk.Close();
+    }
+
+    void WriteChunk(zunFile * file, const zunGUID & id, int payload, unsigned int fcc = Manager::ChunkFCC)
+    {
+        WriteChunk(file, id, std::vector<int>{payload}, fcc);
     }
 
     struct Thrown
@@ -110,8 +118,27 @@ namespace
         return {};
     }
 
-    const char * const kReadSignature =
-        "void __cdecl zunUserDataManager::Read(struct zunFile &) throw(struct zunException)";
+    /// A thrown exception from the manager's own throw site in Read.
+    void ExpectReadSite(const Thrown & thrown, const char * debugDescription)
+    {
+        EXPECT_EQ(thrown.debugDescription, debugDescription);
+        EXPECT_EQ(thrown.function,
+                  "void __cdecl zunUserDataManager::Read(struct zunFile &) throw(struct zunException)");
+        EXPECT_EQ(thrown.location.rfind("src/Guid.cpp:", 0), 0u) << thrown.location;
+    }
+
+    /// A block claiming `count` chunks: one good record of `id` holding 1, then `tail`.
+    zunFastMesh<unsigned char> OneRecordThen(const zunGUID & id, unsigned int count,
+                                             const std::function<void(zunFile *)> & tail)
+    {
+        return Written(
+            [&](zunFile * f)
+            {
+                f->Write_UInt32(count);
+                WriteChunk(f, id, 1);
+                tail(f);
+            });
+    }
 
     class UserData : public ::testing::Test
     {
@@ -129,9 +156,9 @@ TEST_F(UserData, WorkedByteForm)
         Manager manager;
         ASSERT_EQ(manager.SetUserData(id, std::make_unique<Number>(7)), Manager::NoError);
         const auto mesh = Written([&](zunFile * f) { manager.Write(*f); });
-        EXPECT_EQ(BytesOf(mesh), (Bytes{0x01, 0x00, 0x00, 0x00, 0x64, 0x61, 0x74, 0x61, 0x14, 0x00, 0x00, 0x00,
-                                        0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xAA, 0xBB,
-                                        0xCC, 0xDD, 0xEE, 0xFF, 0x07, 0x00, 0x00, 0x00}));
+        EXPECT_EQ(BytesOf(mesh), (Bytes{0x01, 0x00, 0x00, 0x00, 0x64, 0x61, 0x74, 0x61, 0x14, 0x00, 0x00,
+                                        0x00, 0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99,
+                                        0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF, 0x07, 0x00, 0x00, 0x00}));
         Manager read;
         auto file = Reader(mesh);
         read.Read(*file);
@@ -146,7 +173,8 @@ TEST_F(UserData, BigEndianStreamAndSixtyFourBitChunks)
     Manager manager;
     manager.SetUserData(id, std::make_unique<Number>(0x01020304));
     const auto mesh = Written(
-        [&](zunFile * f) {
+        [&](zunFile * f)
+        {
             f->SetChunkSizeBits(zunFile::ChunkSize64);
             manager.Write(*f);
         },
@@ -212,8 +240,7 @@ TEST_F(UserData, RegistrationRules)
 {
     const zunGUID id;
     EXPECT_EQ(Manager::RegisterSerializableUserData(id, Manager::Creator()), Manager::NoCreator);
-    EXPECT_EQ(Manager::RegisterSerializableUserData(id, [] { return std::make_unique<Number>(11); }),
-              Manager::NoError);
+    EXPECT_EQ(Manager::RegisterSerializableUserData(id, [] { return std::make_unique<Number>(11); }), Manager::NoError);
     EXPECT_EQ(Manager::RegisterSerializableUserData(id, [] { return std::make_unique<Number>(22); }),
               Manager::AlreadyRegistered);
     EXPECT_EQ(Manager::RegisterVolatileUserData(id), Manager::AlreadyRegistered);
@@ -222,13 +249,12 @@ TEST_F(UserData, RegistrationRules)
 
     // The first creator stands: a record whose payload is cut short keeps
     // the value the creator gave it.
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(1u);
-        zunChunk chunk(f);
-        chunk.Create(Manager::ChunkFCC);
-        id.Write(f);
-        chunk.Close();
-    });
+    const auto mesh = Written(
+        [&](zunFile * f)
+        {
+            f->Write_UInt32(1u);
+            WriteChunk(f, id, std::vector<int>{});
+        });
     Manager manager;
     auto file = Reader(mesh);
     manager.Read(*file);
@@ -248,8 +274,7 @@ TEST_F(UserData, TheZeroIdIsAcceptedEverywhereButInFiles)
     EXPECT_EQ(manager.SetUserData(zero, std::make_unique<Number>(5)), Manager::NoError);
     const auto mesh = Written([&](zunFile * f) { manager.Write(*f); });
     Manager read;
-    const Thrown thrown = ReadThrowing(read, mesh);
-    EXPECT_EQ(thrown.debugDescription, "Invalid Id");
+    ExpectReadSite(ReadThrowing(read, mesh), "Invalid Id");
 }
 
 TEST_F(UserData, VolatileRecordsStayInMemory)
@@ -275,13 +300,15 @@ TEST_F(UserData, ReadingSkipsUnknownAndVolatileIds)
     const zunGUID first = NumberId();
     const zunGUID last = NumberId();
     const zunGUID volatileId = VolatileId();
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(4u);
-        WriteChunk(f, first, 1);
-        WriteChunk(f, zunGUID(), 2); // never registered
-        WriteChunk(f, volatileId, 3);
-        WriteChunk(f, last, 4);
-    });
+    const auto mesh = Written(
+        [&](zunFile * f)
+        {
+            f->Write_UInt32(4u);
+            WriteChunk(f, first, 1);
+            WriteChunk(f, zunGUID(), 2); // never registered
+            WriteChunk(f, volatileId, 3);
+            WriteChunk(f, last, 4);
+        });
     Manager manager;
     auto file = Reader(mesh);
     manager.Read(*file);
@@ -295,11 +322,13 @@ TEST_F(UserData, ReadingSkipsUnknownAndVolatileIds)
 TEST_F(UserData, TheFirstChunkOfAnIdWins)
 {
     const zunGUID id = NumberId();
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(2u);
-        WriteChunk(f, id, 1);
-        WriteChunk(f, id, 2);
-    });
+    const auto mesh = Written(
+        [&](zunFile * f)
+        {
+            f->Write_UInt32(2u);
+            WriteChunk(f, id, 1);
+            WriteChunk(f, id, 2);
+        });
     Manager manager;
     auto file = Reader(mesh);
     manager.Read(*file);
@@ -312,17 +341,13 @@ TEST_F(UserData, PayloadIsFencedByItsChunk)
     // A longer payload than the record reads is stepped over.
     const zunGUID id = NumberId();
     const zunGUID next = NumberId();
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(2u);
-        zunChunk chunk(f);
-        chunk.Create(Manager::ChunkFCC);
-        id.Write(f);
-        f->Write_Int32(8);
-        f->Write_Int32(99);
-        f->Write_Int32(99);
-        chunk.Close();
-        WriteChunk(f, next, 9);
-    });
+    const auto mesh = Written(
+        [&](zunFile * f)
+        {
+            f->Write_UInt32(2u);
+            WriteChunk(f, id, {8, 99, 99});
+            WriteChunk(f, next, 9);
+        });
     Manager manager;
     auto file = Reader(mesh);
     manager.Read(*file);
@@ -335,11 +360,13 @@ TEST_F(UserData, CreatorGivingNoRecordIsSkipped)
     const zunGUID id;
     Manager::RegisterSerializableUserData(id, [] { return std::unique_ptr<Manager::UserData>(); });
     const zunGUID next = NumberId();
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(2u);
-        WriteChunk(f, id, 1);
-        WriteChunk(f, next, 2);
-    });
+    const auto mesh = Written(
+        [&](zunFile * f)
+        {
+            f->Write_UInt32(2u);
+            WriteChunk(f, id, 1);
+            WriteChunk(f, next, 2);
+        });
     Manager manager;
     auto file = Reader(mesh);
     manager.Read(*file);
@@ -468,31 +495,20 @@ TEST_F(UserData, EntryWithoutARecordIsNeverCalledInto)
 
 TEST_F(UserData, CountClaimingMoreChunksThanTheFileHolds)
 {
+    // Behind the last chunk Descend reads a tag of 0.
     const zunGUID id = NumberId();
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(3u);
-        WriteChunk(f, id, 1);
-    });
     Manager manager;
-    const Thrown thrown = ReadThrowing(manager, mesh);
-    EXPECT_EQ(thrown.debugDescription, "Unexpected chunk");
-    EXPECT_EQ(thrown.function, kReadSignature);
-    EXPECT_EQ(thrown.location.rfind("src/Guid.cpp:", 0), 0u);
+    ExpectReadSite(ReadThrowing(manager, OneRecordThen(id, 3, [](zunFile *) {})), "Unexpected chunk");
     EXPECT_EQ(ValueOf(manager, id), 1);
 }
 
 TEST_F(UserData, ForeignChunk)
 {
     const zunGUID id = NumberId();
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(2u);
-        WriteChunk(f, id, 1);
-        WriteChunk(f, id, 2, 0x61746165);
-    });
     Manager manager;
     manager.SetUserData(NumberId(), std::make_unique<Number>(7));
-    const Thrown thrown = ReadThrowing(manager, mesh);
-    EXPECT_EQ(thrown.debugDescription, "Unexpected chunk");
+    const auto mesh = OneRecordThen(id, 2, [&](zunFile * f) { WriteChunk(f, id, 2, 0x61746165); });
+    ExpectReadSite(ReadThrowing(manager, mesh), "Unexpected chunk");
     EXPECT_EQ(ValueOf(manager, id), 1);
     EXPECT_EQ(g_liveRecords, 1);
 }
@@ -501,18 +517,15 @@ TEST_F(UserData, ChunkShorterThanAnId)
 {
     // An empty chunk leaves the id Invalid.
     const zunGUID id = NumberId();
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(2u);
-        WriteChunk(f, id, 1);
-        zunChunk chunk(f);
-        chunk.Create(Manager::ChunkFCC);
-        chunk.Close();
-    });
     Manager manager;
-    const Thrown thrown = ReadThrowing(manager, mesh);
-    EXPECT_EQ(thrown.debugDescription, "Invalid Id");
-    EXPECT_EQ(thrown.function, kReadSignature);
-    EXPECT_EQ(thrown.location.rfind("src/Guid.cpp:", 0), 0u);
+    const auto mesh = OneRecordThen(id, 2,
+                                    [](zunFile * f)
+                                    {
+                                        zunChunk chunk(f);
+                                        chunk.Create(Manager::ChunkFCC);
+                                        chunk.Close();
+                                    });
+    ExpectReadSite(ReadThrowing(manager, mesh), "Invalid Id");
     EXPECT_EQ(ValueOf(manager, id), 1);
 }
 
@@ -520,14 +533,16 @@ TEST_F(UserData, ChunkWithPartOfAnIdNamesAnUnknownId)
 {
     // Data1 is read, the rest stays zero: an id nobody registered, skipped.
     const zunGUID id = NumberId();
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(2u);
-        zunChunk chunk(f);
-        chunk.Create(Manager::ChunkFCC);
-        f->Write_Int32(0x12345678);
-        chunk.Close();
-        WriteChunk(f, id, 1);
-    });
+    const auto mesh = Written(
+        [&](zunFile * f)
+        {
+            f->Write_UInt32(2u);
+            zunChunk chunk(f);
+            chunk.Create(Manager::ChunkFCC);
+            f->Write_Int32(0x12345678);
+            chunk.Close();
+            WriteChunk(f, id, 1);
+        });
     Manager manager;
     auto file = Reader(mesh);
     manager.Read(*file);
@@ -537,12 +552,14 @@ TEST_F(UserData, ChunkWithPartOfAnIdNamesAnUnknownId)
 
 TEST_F(UserData, ZeroIdFailsEvenWhereItWouldBeSkipped)
 {
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(1u);
-        WriteChunk(f, zunGUID::Invalid, 1);
-    });
+    const auto mesh = Written(
+        [&](zunFile * f)
+        {
+            f->Write_UInt32(1u);
+            WriteChunk(f, zunGUID::Invalid, 1);
+        });
     Manager manager;
-    EXPECT_EQ(ReadThrowing(manager, mesh).debugDescription, "Invalid Id");
+    ExpectReadSite(ReadThrowing(manager, mesh), "Invalid Id");
 }
 
 TEST_F(UserData, RecordWhoseReadThrows)
@@ -550,13 +567,8 @@ TEST_F(UserData, RecordWhoseReadThrows)
     const zunGUID good = NumberId();
     const zunGUID broken;
     Manager::RegisterSerializableUserData(broken, [] { return std::make_unique<Broken>(); });
-    const auto mesh = Written([&](zunFile * f) {
-        f->Write_UInt32(2u);
-        WriteChunk(f, good, 1);
-        WriteChunk(f, broken, 2);
-    });
     Manager manager;
-    const Thrown thrown = ReadThrowing(manager, mesh);
+    const Thrown thrown = ReadThrowing(manager, OneRecordThen(good, 2, [&](zunFile * f) { WriteChunk(f, broken, 2); }));
     EXPECT_EQ(thrown.debugDescription, "bad payload");
     EXPECT_EQ(ValueOf(manager, good), 1);
     EXPECT_EQ(g_liveRecords, 1);
