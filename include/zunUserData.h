@@ -54,10 +54,10 @@ public:
     class ZUN_API UserData
     {
     public:
-        UserData() {}
-        UserData(const UserData &) {}
-        /// Changes nothing.
-        UserData & operator=(const UserData &) { return *this; }
+        UserData() = default;
+        UserData(const UserData &) = default;
+        /// Changes nothing: the base has no fields.
+        UserData & operator=(const UserData &) = default;
         virtual ~UserData();
         /// Whether the record follows its owner into a copy or a move.
         virtual bool IsTransferable() const = 0;
@@ -85,10 +85,13 @@ public:
     zunUserDataManager();
     /// Empty, then copy assignment.
     zunUserDataManager(const zunUserDataManager & other);
-    /// Empty, then move assignment: `other` is left empty.
+    /// Empty, then move assignment: `other` is left empty. Not noexcept: it
+    /// allocates its own map and asks the records IsTransferable.
+    // NOLINTNEXTLINE(performance-noexcept-move-constructor): see above.
     zunUserDataManager(zunUserDataManager && other);
     ~zunUserDataManager();
     zunUserDataManager & operator=(const zunUserDataManager & other);
+    // NOLINTNEXTLINE(performance-noexcept-move-constructor): asks the records IsTransferable.
     zunUserDataManager & operator=(zunUserDataManager && other);
 
     /// NoCreator for an empty function (tested first), AlreadyRegistered for

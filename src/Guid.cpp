@@ -156,6 +156,7 @@ zunUserDataManager::zunUserDataManager(const zunUserDataManager & other) : zunUs
     *this = other;
 }
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): allocates, and asks the records.
 zunUserDataManager::zunUserDataManager(zunUserDataManager && other) : zunUserDataManager()
 {
     *this = std::move(other);
@@ -166,6 +167,7 @@ zunUserDataManager::~zunUserDataManager()
     delete m_pUserData;
 }
 
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment): a manager assigned to itself ends up empty.
 zunUserDataManager & zunUserDataManager::operator=(const zunUserDataManager & other)
 {
     // Emptied first, with no test for self-assignment: a manager assigned to
@@ -177,6 +179,7 @@ zunUserDataManager & zunUserDataManager::operator=(const zunUserDataManager & ot
     return *this;
 }
 
+// NOLINTNEXTLINE(performance-noexcept-move-constructor): asks the records IsTransferable.
 zunUserDataManager & zunUserDataManager::operator=(zunUserDataManager && other)
 {
     if (m_pUserData != other.m_pUserData)

@@ -168,7 +168,7 @@ const zunFeatureID zunFeatureID::Empty;
 
 zunFeatureID::zunFeatureID() = default;
 
-zunFeatureID::zunFeatureID(const zunFeatureID & other) : m_aIds(other.m_aIds) {}
+zunFeatureID::zunFeatureID(const zunFeatureID & other) = default;
 
 zunFeatureID::zunFeatureID(const unsigned int * ids, unsigned int count)
 {
@@ -181,11 +181,7 @@ zunFeatureID::zunFeatureID(zunFile * file, const zunFeatureID & defaultValue) : 
     Read(file);
 }
 
-zunFeatureID & zunFeatureID::operator=(const zunFeatureID & other)
-{
-    m_aIds = other.m_aIds;
-    return *this;
-}
+zunFeatureID & zunFeatureID::operator=(const zunFeatureID & other) = default;
 
 bool zunFeatureID::New()
 {
