@@ -38,6 +38,10 @@ namespace idtest
         return file;
     }
 
+    /// A stream must not outlive its array.
+    std::unique_ptr<zunFile> Reader(zunFastMesh<unsigned char> && mesh,
+                                    zunSystem::Endianness order = zunSystem::Little) = delete;
+
     /// A chunk whose contents are the first `kept` bytes `write` produces:
     /// a writer that stopped early.
     inline zunFastMesh<unsigned char> Truncated(const std::function<void(zunFile *)> & write, unsigned int kept)

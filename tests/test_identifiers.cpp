@@ -477,7 +477,8 @@ TEST(FeatureID, ReadThrowsWhenTheHeapCannotHoldTheCount)
     }
     EXPECT_TRUE(id.IsEmpty());
 
-    auto again = Reader(Written([](zunFile * f) { f->Write_UInt32(4u); }));
+    const auto four = Written([](zunFile * f) { f->Write_UInt32(4u); });
+    auto again = Reader(four);
     zunMemTesting::FailAllocation(1, false);
     EXPECT_THROW(id.Read(again.get()), zunException);
     zunMemTesting::Reset();
