@@ -87,6 +87,11 @@ namespace zunSettingsPrivate
             char * m_pNext;
         };
 
+        bool EndsInCR(const RecordText & text)
+        {
+            return !text.empty() && text.data()[text.size() - 1] == '\r';
+        }
+
         std::ostream & Put(std::ostream & stream, const char * text, std::size_t length)
         {
             return stream.write(text, static_cast<std::streamsize>(length));
@@ -172,9 +177,9 @@ namespace zunSettingsPrivate
             zunMemFree(block);
     }
 
-    std::ostream & Data::WriteLineEnd(std::ostream & stream) const
+    std::ostream & Data::WriteLineEnd(std::ostream & stream, bool textEndsInCR) const
     {
-        return m_crlf ? stream.write("\r\n", 2) : stream.put('\n');
+        return m_crlf || textEndsInCR ? stream.write("\r\n", 2) : stream.put('\n');
     }
 
     // ---- Other
@@ -182,7 +187,7 @@ namespace zunSettingsPrivate
     std::ostream & Other::Write(std::ostream & stream) const
     {
         Put(stream, m_text);
-        return WriteLineEnd(stream);
+        return WriteLineEnd(stream, EndsInCR(m_text));
     }
 
     std::unique_ptr<Other> Other::FromLine(const char * line, std::size_t length, bool crlf,
@@ -208,7 +213,9 @@ namespace zunSettingsPrivate
         if (m_quote != 0)
             stream.put(m_quote);
         Put(stream, m_trailing);
-        return WriteLineEnd(stream);
+        // The last byte in front of the line end: of the trailing text, else
+        // of an unquoted value.
+        return WriteLineEnd(stream, m_trailing.empty() ? m_quote == 0 && EndsInCR(m_value) : EndsInCR(m_trailing));
     }
 
     namespace
@@ -385,7 +392,7 @@ namespace zunSettingsPrivate
         Put(stream, m_text);
         Put(stream, g_sectionClose);
         Put(stream, m_trailing);
-        WriteLineEnd(stream);
+        WriteLineEnd(stream, EndsInCR(m_trailing));
         return m_children.Write(stream);
     }
 

@@ -21,6 +21,10 @@
 // only directly in front of the newline; anywhere else, a last line without
 // newline included, it is text. This is what a text stream does on the
 // platforms that translate line ends, so values never carry a stray '\r'.
+// A line whose text ends in a carriage return (a last line without newline,
+// or a repeated key's value) is written with CR LF whatever its line end
+// was: a bare newline behind that carriage return would read back as a CR LF
+// line end and cost the text its carriage return.
 //
 // Memory. A record read from a file lives in the file's arena with its texts
 // in the same block, so a line costs one pointer bump; records and texts made
@@ -88,8 +92,9 @@ namespace zunSettingsPrivate
 
     protected:
         explicit Data(DataType type) : m_type(type), m_crlf(false) {}
-        /// The line end of this record.
-        std::ostream & WriteLineEnd(std::ostream & stream) const;
+        /// The line end of this record; CR LF when the text written in front
+        /// of it ends in a carriage return.
+        std::ostream & WriteLineEnd(std::ostream & stream, bool textEndsInCR) const;
     };
 
     /// A comment, a blank line or a line of no other kind, kept whole.

@@ -455,11 +455,38 @@ TEST(SettingsLineEnds, CarriageReturnElsewhereIsText)
     const Loaded last("k=v\r");
     ExpectKeyValue(last.Item(0), "k", "v\r", 0, "");
     EXPECT_FALSE(last.Item(0).m_crlf);
-    EXPECT_EQ(last.Written(), "k=v\r\n");
     // A line of a lone carriage return is an empty line.
     const Loaded blank("\r\n");
     ExpectOther(blank.Item(0), "");
     EXPECT_EQ(blank.Written(), "\r\n");
+}
+
+TEST(SettingsLineEnds, TextEndingInCarriageReturnIsWrittenWithCrLf)
+{
+    // A bare newline behind the text's carriage return would read back as a
+    // CR LF line end and cost the text its carriage return.
+    for (const std::string bytes : {"k=v\r", "; note\r", "[s] x\r", "k='v' x\r", "k='v\r"})
+    {
+        const Loaded once(bytes);
+        const std::string written = once.Written();
+        EXPECT_EQ(written, bytes + "\r\n");
+        const Loaded twice(written);
+        EXPECT_EQ(twice.Written(), written) << bytes;
+    }
+    // A quoted value ends in its quote: its own line end stays.
+    EXPECT_EQ(Loaded("k='v\r'").Written(), "k='v\r'\n");
+
+    // A repeated key hands its value, carriage return and all, to the first
+    // record, whose line ended in a bare newline.
+    const Loaded merged("[]\n=\n=x\r\r\n");
+    ASSERT_EQ(merged.SectionAt(0).m_children.Size(), 1u);
+    ExpectKeyValue(Child(merged.SectionAt(0), 0), "", "x\r", 0, "");
+    EXPECT_EQ(merged.Written(), "[]\n=x\r\r\n");
+    EXPECT_EQ(Loaded(merged.Written()).Written(), merged.Written());
+    // Without the last newline both carriage returns are text.
+    const Loaded bare("[]\n=\n=x\r\r");
+    EXPECT_EQ(bare.Written(), "[]\n=x\r\r\r\n");
+    EXPECT_EQ(Loaded(bare.Written()).Written(), bare.Written());
 }
 
 // ---------------------------------------------------------------------------

@@ -5,8 +5,9 @@
 // the line must become without parsing it. A small model of the merge rules
 // then says what the rewritten file holds, byte for byte: repeated headers
 // and earlier values of repeated keys go, blanks around "=" go, a key that
-// began with white space goes, a missing last newline is added; every other
-// byte stays. A second rewrite must change nothing.
+// began with white space goes, a missing last newline is added (CR LF behind
+// a line that ends in a carriage return); every other byte stays. A second
+// rewrite must change nothing.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -92,7 +93,8 @@ namespace
                 out += r.trailing;
                 break;
             }
-            out += r.crlf ? "\r\n" : "\n";
+            // A line whose text ends in a carriage return gets CR LF.
+            out += r.crlf || (!out.empty() && out.back() == '\r') ? "\r\n" : "\n";
             if (r.kind == Expected::Section)
                 out += Write(r.children);
         }

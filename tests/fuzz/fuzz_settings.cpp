@@ -1,6 +1,8 @@
 // The settings reader over arbitrary bytes as a settings file: it reads every
 // input without complaint, and what it writes back reads again to the same
-// records, which write the same text once more.
+// records, which write the same text once more. (A line whose text ends in a
+// carriage return is written with CR LF whatever it ended with, so the
+// records are compared with the line ends they are written with.)
 #include <unistd.h>
 
 #include <cstddef>
@@ -38,13 +40,36 @@ namespace
         out.append(text.data(), text.size());
     }
 
-    // Every field of every record, in order, as one comparable text.
+    bool EndsInCarriageReturn(const RecordText & text)
+    {
+        return !text.empty() && text.data()[text.size() - 1] == '\r';
+    }
+
+    // The line end a record is written with: its own, or CR LF behind a text
+    // that ends in a carriage return.
+    bool WrittenWithCrLf(const Data & record)
+    {
+        if (record.m_crlf)
+            return true;
+        if (record.m_type == TypeSection)
+            return EndsInCarriageReturn(static_cast<const Section &>(record).m_trailing);
+        if (record.m_type == TypeKeyValue)
+        {
+            const auto & keyValue = static_cast<const KeyValue &>(record);
+            return keyValue.m_trailing.empty() ? keyValue.m_quote == 0 && EndsInCarriageReturn(keyValue.m_value)
+                                               : EndsInCarriageReturn(keyValue.m_trailing);
+        }
+        return EndsInCarriageReturn(record.m_text);
+    }
+
+    // Every field of every record, in order, as one comparable text; the line
+    // end as it is written.
     void Describe(std::string & out, const RecordList & records)
     {
         for (const auto & record : records.GetRecords())
         {
             out += static_cast<char>('0' + record->m_type);
-            out += record->m_crlf ? 'r' : 'n';
+            out += WrittenWithCrLf(*record) ? 'r' : 'n';
             Append(out, record->m_text);
             if (record->m_type == TypeKeyValue)
             {
@@ -64,43 +89,10 @@ namespace
         }
     }
 
-    bool EndsInCarriageReturn(const RecordText & text)
-    {
-        return !text.empty() && text.data()[text.size() - 1] == '\r';
-    }
-
-    // A record written with a bare newline behind a carriage return.
-    bool LineEndTaken(const RecordList & records)
-    {
-        for (const auto & record : records.GetRecords())
-        {
-            bool endsInCR = false;
-            if (record->m_type == TypeSection)
-            {
-                const auto & section = static_cast<const Section &>(*record);
-                if (LineEndTaken(section.m_children))
-                    return true;
-                endsInCR = EndsInCarriageReturn(section.m_trailing);
-            }
-            else if (record->m_type == TypeKeyValue)
-            {
-                const auto & keyValue = static_cast<const KeyValue &>(*record);
-                endsInCR = keyValue.m_trailing.empty() ? keyValue.m_quote == 0 && EndsInCarriageReturn(keyValue.m_value)
-                                                       : EndsInCarriageReturn(keyValue.m_trailing);
-            }
-            else
-                endsInCR = EndsInCarriageReturn(record->m_text);
-            if (endsInCR && !record->m_crlf)
-                return true;
-        }
-        return false;
-    }
-
     struct Reading
     {
         std::string records;
         std::string written;
-        bool lineEndTaken = false;
     };
 
     Reading ReadAndWrite(const std::string & bytes)
@@ -112,7 +104,6 @@ namespace
         imp.Read(stream);
         Reading result;
         Describe(result.records, imp.m_items);
-        result.lineEndTaken = LineEndTaken(imp.m_items);
         std::ostringstream out;
         imp.Write(out);
         result.written = out.str();
@@ -123,13 +114,6 @@ namespace
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t * data, std::size_t size)
 {
     const Reading first = ReadAndWrite(std::string(reinterpret_cast<const char *>(data), size));
-    // Open: a record whose text ends in a carriage return is written with a
-    // newline behind it when its line ended in a bare newline (a last line, or
-    // a key whose value came from a repeated key), so the pair reads back as
-    // a CR LF line end and the text loses its carriage return. Until the
-    // writer handles that line end, such files are not compared.
-    if (first.lineEndTaken)
-        return 0;
     const Reading second = ReadAndWrite(first.written);
     FUZZ_CHECK(second.records == first.records);
     FUZZ_CHECK(second.written == first.written);
