@@ -14,6 +14,7 @@
 #include "FuzzCheck.h"
 #include "MemTesting.h"
 #include "zunException.h"
+#include "zunFeatureID.h"
 #include "zunFile.h"
 
 namespace fuzz
@@ -54,18 +55,10 @@ namespace fuzz
         return length;
     }
 
-    /// A string read keeps to sensible memory: a stored length beyond what a
-    /// fuzz run may allocate is read with the allocation failed on purpose,
-    /// which must throw "Not enough memory" and leave the string as it was.
-    template <typename ReadString, typename Text> void ReadStringGuarded(zunFile & file, Text & text, ReadString read)
+    /// Runs `read` with every allocation failed; true if it threw a
+    /// zunException whose debug description is `description`.
+    template <typename Read> bool ThrowsWithoutMemory(Read read, const char * description)
     {
-        constexpr std::uint32_t kLargest = 1u << 20;
-        if (PeekLength(file) <= kLargest)
-        {
-            read();
-            return;
-        }
-        const Text before = text;
         zunMemTesting::FailAllocation(1, true);
         bool threw = false;
         try
@@ -74,11 +67,41 @@ namespace fuzz
         }
         catch (const zunException & failure)
         {
-            threw = std::strcmp(failure.GetDebugDescription(), "Not enough memory") == 0;
+            threw = std::strcmp(failure.GetDebugDescription(), description) == 0;
         }
         zunMemTesting::Reset();
-        FUZZ_CHECK(threw);
+        return threw;
+    }
+
+    /// The largest count of bytes a fuzz run lets a reader allocate.
+    constexpr std::uint32_t kLargestCount = 1u << 20;
+
+    /// A string read keeps to sensible memory: a stored length beyond what a
+    /// fuzz run may allocate is read with the allocation failed on purpose,
+    /// which must throw "Not enough memory" and leave the string as it was.
+    template <typename ReadString, typename Text> void ReadStringGuarded(zunFile & file, Text & text, ReadString read)
+    {
+        if (PeekLength(file) <= kLargestCount)
+        {
+            read();
+            return;
+        }
+        const Text before = text;
+        FUZZ_CHECK(ThrowsWithoutMemory(read, "Not enough memory"));
         FUZZ_CHECK(text == before);
+    }
+
+    /// The same for a feature path, whose count is of 4-byte ids: the path
+    /// is emptied before the allocation, so a refused count leaves it empty.
+    inline void ReadFeatureIDGuarded(zunFile & file, zunFeatureID & path)
+    {
+        if (PeekLength(file) <= kLargestCount / 4)
+        {
+            path.Read(&file);
+            return;
+        }
+        FUZZ_CHECK(ThrowsWithoutMemory([&] { path.Read(&file); }, ""));
+        FUZZ_CHECK(path.DataCountGet() == 0);
     }
 }
 

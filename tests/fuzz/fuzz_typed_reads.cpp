@@ -13,6 +13,7 @@
 #include "FileArrayAccess.h"
 #include "FuzzStream.h"
 #include "zunColor.h"
+#include "zunFeatureID.h"
 #include "zunMatrix44.h"
 #include "zunString.h"
 
@@ -89,6 +90,27 @@ namespace
                 FUZZ_CHECK(std::memcmp(matrix.m, before.m, sizeof matrix.m) == 0);
         }
 
+        void FeaturePath()
+        {
+            const unsigned int before[] = {1, 2, 3};
+            zunFeatureID path(before, 3);
+            const std::uint32_t count = fuzz::PeekLength(file);
+            const bool countCrosses = Crosses(4) || file.GetCurrPos() + 4 > fileSize;
+            const bool idsCross = Crosses(4 + std::uint64_t(count) * 4);
+            const std::uint64_t limit = file.GetLimit();
+            fuzz::ReadFeatureIDGuarded(file, path);
+            // A stopped count leaves the path empty; stopped ids leave that
+            // many ids of 0.
+            if (countCrosses)
+                FUZZ_CHECK(path.DataCountGet() == 0);
+            else if (idsCross && count <= fuzz::kLargestCount / 4)
+            {
+                FUZZ_CHECK(path.DataCountGet() == count && file.GetCurrPos() == limit);
+                for (unsigned int i = 0; i < count; ++i)
+                    FUZZ_CHECK(path.DataPtrGet()[i] == 0);
+            }
+        }
+
         void Block(bool padded)
         {
             const std::uint64_t count = program.ConsumeIntegralInRange<std::uint64_t>(0, 64);
@@ -113,7 +135,7 @@ namespace
 
         void Step()
         {
-            switch (program.ConsumeIntegralInRange(0, 13))
+            switch (program.ConsumeIntegralInRange(0, 14))
             {
             case 0:
                 file.SetLimit(SomePosition(),
@@ -162,6 +184,9 @@ namespace
                 break;
             case 12:
                 Block(program.ConsumeBool());
+                break;
+            case 13:
+                FeaturePath();
                 break;
             default:
                 file.ReachLimit();
