@@ -54,8 +54,8 @@ namespace
     {
         static const bool registered = []
         {
-            FUZZ_CHECK(zunUserDataManager::RegisterSerializableUserData(kNoteId, [] { return std::make_unique<Note>(); }) ==
-                       zunUserDataManager::NoError);
+            FUZZ_CHECK(zunUserDataManager::RegisterSerializableUserData(
+                           kNoteId, [] { return std::make_unique<Note>(); }) == zunUserDataManager::NoError);
             FUZZ_CHECK(zunUserDataManager::RegisterSerializableUserData(
                            kPathId, [] { return std::make_unique<FeaturePath>(); }) == zunUserDataManager::NoError);
             FUZZ_CHECK(zunUserDataManager::RegisterVolatileUserData(kVolatileId) == zunUserDataManager::NoError);
