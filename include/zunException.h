@@ -55,6 +55,15 @@ struct ZUN_API zunException
     /// The throwing function's signature; null when default-made.
     const char * GetFunction() const { return m_pszFunction; }
 
+    /// Writes a report through the debug print channel (zunDebugPrint.h), one
+    /// zunDprintf per line: two lines of 38 '*', "           zunException dump",
+    /// two more lines of stars, an empty line, "Description:", the description
+    /// and an empty line, "location: <function> @ <file and line>" and an empty
+    /// line, "Debug Information:", the debug description and two empty lines.
+    /// Null pointers print as the formatter's "(null)". No lock of its own:
+    /// other threads' messages may fall between the lines.
+    void Dump() const;
+
     /// True while any zunException object is alive in the process, in any thread
     /// (a caught one included). A best-effort answer by design: the counter is a
     /// plain integer without atomics.

@@ -186,6 +186,11 @@ public:
     /// Writes the sixteen values; throws zunException when they don't go out.
     void Write(zunFile * file) const;
 
+    /// Prints m[0] to m[15] in storage order through the debug print channel
+    /// (zunDebugPrint.h), four to a line as "  %6.3f %6.3f %6.3f %6.3f": each
+    /// line is one column of the matrix.
+    void Dump() const;
+
     // Transforms of point arrays. Points use the point formula (x' = x·m[0] +
     // y·m[4] + z·m[8] + m[12], ...), directions the linear block alone. A point
     // of a flat array takes `stride` elements (elements, not bytes) with x, y, z

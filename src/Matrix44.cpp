@@ -1,4 +1,4 @@
-// zunMatrix44: composition, the Add* family, accessors, inversion, transpose.
+// zunMatrix44: composition, the Add* family, accessors, inversion, transpose, dump.
 // The transforms of point arrays are in Matrix44Transform.cpp.
 //
 // Every formula here keeps the order of terms and the sequence of matrix
@@ -12,6 +12,7 @@
 #include "Double4.h"
 #include "FileArrayAccess.h"
 #include "Vector3Math.h"
+#include "zunDebugPrint.h"
 #include "zunMem.h"
 
 using zunVector3Math::Cross;
@@ -584,4 +585,11 @@ void zunMatrix44::Read(zunFile * file)
 void zunMatrix44::Write(zunFile * file) const
 {
     zunFileArrayAccess::Write_Array(file, m, sizeof(double), 16, zunFile::DiffersByByteOrder);
+}
+
+void zunMatrix44::Dump() const
+{
+    zunDprintf("  %6.3f %6.3f %6.3f %6.3f\n  %6.3f %6.3f %6.3f %6.3f\n  %6.3f %6.3f %6.3f %6.3f\n"
+               "  %6.3f %6.3f %6.3f %6.3f\n",
+               m[0], m[1], m[2], m[3], m[4], m[5], m[6], m[7], m[8], m[9], m[10], m[11], m[12], m[13], m[14], m[15]);
 }

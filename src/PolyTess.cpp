@@ -5,24 +5,13 @@
 #include <GL/gl.h>
 #include <GL/glu.h>
 
-#include <cstdarg>
-#include <cstdio>
 #include <mutex>
 #include <unordered_map>
 
+#include "zunDebugPrint.h"
+
 namespace
 {
-    /// Writes through the debug print channel: the text goes out as the caller
-    /// formatted it, line end included.
-    void PrintToDebugChannel(const char * format, ...) ZUN_PRINTF_FORMAT(1, 2);
-    void PrintToDebugChannel(const char * format, ...)
-    {
-        va_list args;
-        va_start(args, format);
-        std::vfprintf(stderr, format, args);
-        va_end(args);
-    }
-
     /// Empties the OpenGL error queue, reading it 10 times at the most; what
     /// it reads is discarded.
     void DrainGLErrors()
@@ -35,7 +24,7 @@ namespace
     }
 
     /// Reads the error of the GLU call just made. A non-zero code is drained
-    /// after and logged; the result is true when an error was found.
+    /// after and logged through the debug print channel; the result is true when an error was found.
     bool CheckGLError()
     {
         GLenum code = glGetError();
@@ -43,8 +32,7 @@ namespace
             return false;
         DrainGLErrors();
         const GLubyte * text = gluErrorString(code);
-        PrintToDebugChannel("GetOpenGLError() - Error detected: '%s'\n",
-                            text ? reinterpret_cast<const char *>(text) : "(null)");
+        zunDprintf("GetOpenGLError() - Error detected: '%s'\n", text ? reinterpret_cast<const char *>(text) : "(null)");
         return true;
     }
 

@@ -1,6 +1,7 @@
 // zunMatrix44: storage and composition, every Add* operation against formulas
 // computed here independently (axis-angle rotations, the textbook glOrtho,
-// glFrustum and gluLookAt matrices), the accessors, inversion and transposition.
+// glFrustum and gluLookAt matrices), the accessors, inversion, transposition
+// and the dump through the debug print channel.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -8,6 +9,7 @@
 #include <limits>
 #include <random>
 
+#include "ChannelCapture.h"
 #include "zunMatrix44.h"
 
 namespace
@@ -801,4 +803,29 @@ TEST(Matrix44, TransposeSwapsRowsAndColumns)
     EXPECT_TRUE(inPlace == out);
     inPlace.Transpose();
     EXPECT_TRUE(inPlace == Sample());
+}
+
+TEST(Matrix44, DumpPrintsTheStorageOrderAColumnALine)
+{
+    ChannelCapture channel;
+    zunMatrix44 m;
+    for (int i = 0; i < 16; ++i)
+        m.m[i] = i + 0.5;
+    m.m[3] = -12.3456;
+    m.m[15] = 1234.5;
+    m.Dump();
+    EXPECT_EQ(channel.Text(), "   0.500  1.500  2.500 -12.346\n"
+                              "   4.500  5.500  6.500  7.500\n"
+                              "   8.500  9.500 10.500 11.500\n"
+                              "  12.500 13.500 14.500 1234.500\n");
+}
+
+TEST(Matrix44, DumpOfTheIdentity)
+{
+    ChannelCapture channel;
+    zunMatrix44::Identity.Dump();
+    EXPECT_EQ(channel.Text(), "   1.000  0.000  0.000  0.000\n"
+                              "   0.000  1.000  0.000  0.000\n"
+                              "   0.000  0.000  1.000  0.000\n"
+                              "   0.000  0.000  0.000  1.000\n");
 }

@@ -28,6 +28,8 @@
 
 #include <zunFoundation.h>
 
+#include "ChannelCapture.h"
+
 namespace
 {
     struct GLTrace
@@ -478,7 +480,7 @@ TEST_F(WithContext, APendingErrorIsDrainedBeforeTheCall)
 {
     Recorder recorder;
     zunPolyTess tess(recorder);
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     RaiseRealError();
     EXPECT_FALSE(tess.BeginPolygon());
     double corner[3] = {0, 0, 0};
@@ -486,7 +488,7 @@ TEST_F(WithContext, APendingErrorIsDrainedBeforeTheCall)
     EXPECT_FALSE(tess.Vertex(corner, nullptr));
     RaiseRealError();
     EXPECT_FALSE(tess.EndPolygon());
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(channel.Text(), "");
     EXPECT_EQ(glGetError(), static_cast<GLenum>(GL_NO_ERROR));
 }
 
@@ -504,9 +506,9 @@ TEST_F(WithContext, TheDrainStopsAfterTenReadsAndTheEleventhCounts)
     zunPolyTess tess(recorder);
     g_trace.Reset();
     g_trace.injected.assign(11, GL_INVALID_VALUE);
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     EXPECT_TRUE(tess.BeginPolygon());
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), ErrorLine(GL_INVALID_VALUE));
+    EXPECT_EQ(channel.Text(), ErrorLine(GL_INVALID_VALUE));
     // ten drain reads, the calls, the check that finds the eleventh, and the
     // drain after it, which reads the now empty queue once.
     std::string tenReads;
@@ -537,11 +539,11 @@ TEST_F(WithContext, AnErrorOfTheCallIsLoggedAndDrainedAfter)
     g_trace.errorsOf["vertex"] = {GL_OUT_OF_MEMORY};
     tess.BeginPolygon();
     double corner[3] = {0, 0, 0};
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     EXPECT_TRUE(tess.Vertex(corner, nullptr));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "GetOpenGLError() - Error detected: '" +
-                  std::string(reinterpret_cast<const char *>(gluErrorString(GL_OUT_OF_MEMORY))) + "'\n");
+    EXPECT_EQ(channel.Text(), "GetOpenGLError() - Error detected: '" +
+                                  std::string(reinterpret_cast<const char *>(gluErrorString(GL_OUT_OF_MEMORY))) +
+                                  "'\n");
 }
 
 TEST_F(WithContext, TheDrainAfterAnErrorAlsoStopsAtTen)
@@ -552,9 +554,9 @@ TEST_F(WithContext, TheDrainAfterAnErrorAlsoStopsAtTen)
     g_trace.Reset();
     g_trace.errorsOf["vertex"] = std::vector<GLenum>(13, GL_INVALID_ENUM);
     double corner[3] = {0, 0, 0};
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     EXPECT_TRUE(tess.Vertex(corner, nullptr));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), ErrorLine(GL_INVALID_ENUM));
+    EXPECT_EQ(channel.Text(), ErrorLine(GL_INVALID_ENUM));
     // the empty drain before, the check, then ten drain reads: two codes stay.
     EXPECT_EQ(g_trace.Count("err"), 1 + 1 + 10);
     EXPECT_EQ(g_trace.injected.size(), 2u);
@@ -568,9 +570,9 @@ TEST_F(WithContext, AnErrorClosingTheContourSkipsTheEndOfThePolygon)
     BeginAndFeed(tess, square);
     g_trace.Reset();
     g_trace.errorsOf["endContour"] = {GL_INVALID_OPERATION};
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     EXPECT_FALSE(tess.EndPolygon()); // the early error path returns false as well
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), ErrorLine(GL_INVALID_OPERATION));
+    EXPECT_EQ(channel.Text(), ErrorLine(GL_INVALID_OPERATION));
     EXPECT_EQ(g_trace.Count("endPolygon{"), 0);
     EXPECT_TRUE(recorder.primitives.empty());
 }
@@ -582,9 +584,9 @@ TEST_F(WithContext, AnErrorAfterTheEndOfThePolygonIsReportedAsTrue)
     std::vector<Corner> square = Polygon({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
     BeginAndFeed(tess, square);
     g_trace.errorsOf["}"] = {GL_INVALID_VALUE};
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     EXPECT_TRUE(tess.EndPolygon());
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), ErrorLine(GL_INVALID_VALUE));
+    EXPECT_EQ(channel.Text(), ErrorLine(GL_INVALID_VALUE));
     EXPECT_FALSE(recorder.primitives.empty()); // the callback ran all the same
 }
 
@@ -592,7 +594,7 @@ TEST_F(WithContext, AnErrorWhileRegisteringMakesTheObjectInvalid)
 {
     g_trace.injected.assign(11, GL_INVALID_ENUM); // the drain takes ten, the check the eleventh
     Recorder recorder;
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     {
         zunPolyTess tess(recorder);
         EXPECT_FALSE(tess.IsValid());
@@ -603,7 +605,7 @@ TEST_F(WithContext, AnErrorWhileRegisteringMakesTheObjectInvalid)
         EXPECT_FALSE(tess.Vertex(corner, nullptr));
         EXPECT_FALSE(tess.EndPolygon());
     }
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), ErrorLine(GL_INVALID_ENUM));
+    EXPECT_EQ(channel.Text(), ErrorLine(GL_INVALID_ENUM));
     EXPECT_TRUE(g_trace.calls.empty()); // an invalid object calls nothing, destructor included
 }
 
@@ -611,7 +613,7 @@ TEST_F(WithContext, AnObjectWhoseTessellatorCouldNotBeMade)
 {
     g_trace.failNewTess = true;
     Recorder recorder;
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     {
         zunPolyTess tess(recorder);
         EXPECT_EQ(g_trace.Joined(), "err new"); // no callbacks, no check
@@ -626,8 +628,8 @@ TEST_F(WithContext, AnObjectWhoseTessellatorCouldNotBeMade)
         EXPECT_FALSE(tess.EndPolygon());
         EXPECT_TRUE(g_trace.calls.empty());
     }
-    EXPECT_TRUE(g_trace.calls.empty());                    // the destructor calls nothing
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), ""); // silent
+    EXPECT_TRUE(g_trace.calls.empty()); // the destructor calls nothing
+    EXPECT_EQ(channel.Text(), "");      // silent
     EXPECT_TRUE(recorder.primitives.empty());
 }
 
@@ -720,9 +722,9 @@ TEST_F(WithContext, ASelfCrossingContourIsNotSplitAndGoesOnQuietly)
     std::vector<Corner> bowTie = Polygon({{0, 0}, {2, 2}, {2, 0}, {0, 2}});
     Recorder recorder;
     zunPolyTess tess(recorder);
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     EXPECT_TRUE(Tessellate(tess, bowTie));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(channel.Text(), "");
     // The object is still usable afterwards.
     std::vector<Corner> triangle = Polygon({{0, 0}, {1, 0}, {0, 1}});
     recorder.primitives.clear();
@@ -764,9 +766,9 @@ TEST_F(WithoutContext, TheClassStillTessellates)
     zunPolyTess tess(recorder);
     EXPECT_TRUE(tess.IsValid());
     std::vector<Corner> arrow = Polygon({{0, 0}, {6, 2}, {0, 4}, {2, 2}});
-    testing::internal::CaptureStderr();
+    ChannelCapture channel;
     EXPECT_TRUE(Tessellate(tess, arrow));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(channel.Text(), "");
     EXPECT_NEAR(TessellatedArea(recorder), 8.0, 1e-12);
 }
 

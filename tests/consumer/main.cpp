@@ -131,6 +131,12 @@ int main()
     const zunColor paint(shapesIn.get(), zunColor::Black());
     failures += shapes.Count() != 160 || !(placement == zunMatrix44::Identity) || paint.m_c0 != 1.0;
 
+    zunPath scene("/tmp//consumer/scene.kelp");
+    failures +=
+        !scene.IsAbsolute() || scene.GetExtension(1) != "kelp" || scene.GetParent(1) != zunPath("\\TMP\\consumer\\");
+    failures += !zunPath::GetTemporaryPath().ExistsAs(zunPath::Folder);
+    failures += zunDprintf("no target, no text\n") != 0;
+
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
 }
