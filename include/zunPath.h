@@ -51,6 +51,7 @@
 #include "zunConfig.h"
 #include "zunFlags.h"
 #include "zunString.h"
+#include "zunStringList.h"
 
 class ZUN_API zunPath
 {
@@ -181,6 +182,11 @@ public:
     /// True only for a drive root such as `C:\`: the first separator (past a
     /// leading pair) follows a colon and ends the text. `\` is no root.
     bool IsRoot() const;
+
+    /// The names of the path in UTF-8: the text split at every separator,
+    /// empty names dropped. `C:\a\b\` gives `C:`, `a`, `b`; `\\srv\s` gives
+    /// `srv`, `s`.
+    zunStringListT<char> GetComponents() const;
 
     /// The last name of the path, without a trailing separator: `a\b\` gives
     /// `b`; a path without an inner separator gives its text with every
@@ -323,6 +329,16 @@ public:
     /// _wfopen(<path>, <mode>) falied! errno=<n>, '<text>'" through zunDprintf
     /// and returns null.
     FILE * Open(const char * mode) const;
+
+    /// Looks for an existing file (not a folder) by this path with each
+    /// extension of the list in turn, set at level 1, and returns the index
+    /// of the first found; the path keeps that extension. A path that has an
+    /// extension already is left alone: 0xFFFFFFFF. When none is found the
+    /// extension is removed again and the result is 0xFFFFFFFF. Each entry
+    /// replaces what follows the last dot, so after an entry holding a dot
+    /// itself (`tar.gz`), the next ones stand behind its front part.
+    unsigned int FindExtension(const zunStringListT<char> & extensions);
+    unsigned int FindExtension(const zunStringListT<zunWChar> & extensions);
 
     /// The process's current folder (no trailing separator but at the root);
     /// empty when the system cannot tell.

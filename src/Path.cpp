@@ -284,6 +284,11 @@ bool zunPath::IsRoot() const
     return separator != kNotFound && separator > 0 && units[separator - 1] == u':' && separator + 1 == text.Length();
 }
 
+zunStringListT<char> zunPath::GetComponents() const
+{
+    return ToUTF8(Text()).Split("\\", 0);
+}
+
 zunStringW zunPath::GetLastComponent16(zunPath::LastComponentOption option) const
 {
     const zunStringW & text = Text();

@@ -24,6 +24,22 @@ namespace
         return (info.attributes & zunPath::Info::Folder) != 0;
     }
 
+    // The search of FindExtension over a list of either encoding.
+    template <typename C> unsigned int FindExtensionIn(zunPath & path, const zunStringListT<C> & extensions)
+    {
+        if (!path.GetExtension16(1).IsEmpty())
+            return 0xFFFFFFFF;
+        for (unsigned int i = 0; i < extensions.Count(); ++i)
+        {
+            path.SetExtension(zunStringT<C, zunCharHelper<C>>(extensions[i]), 1);
+            zunPath::Info info;
+            if (path.GetInfo(info) && !IsFolder(info))
+                return i;
+        }
+        path.SetExtension(zunStringW(), 1);
+        return 0xFFFFFFFF;
+    }
+
     // Ends the platform's search when it goes out of scope.
     using Search = std::unique_ptr<zunPlatform::FindHandle>;
 }
@@ -224,6 +240,16 @@ FILE * zunPath::Open(const char * mode) const
                static_cast<const char *>(OSRepresentation8()), mode != nullptr ? mode : "(null)", error,
                std::strerror(error));
     return nullptr;
+}
+
+unsigned int zunPath::FindExtension(const zunStringListT<char> & extensions)
+{
+    return FindExtensionIn(*this, extensions);
+}
+
+unsigned int zunPath::FindExtension(const zunStringListT<zunWChar> & extensions)
+{
+    return FindExtensionIn(*this, extensions);
 }
 
 zunPath zunPath::GetCurrentPath()

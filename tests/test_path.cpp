@@ -153,6 +153,24 @@ TEST(PathText, OnlyADriveRootIsARoot)
     EXPECT_TRUE(zunPath(R"(\\C:\)").IsRoot());
 }
 
+TEST(PathText, ComponentsAreTheNamesBetweenSeparators)
+{
+    const zunStringList network = zunPath("//srv/s").GetComponents();
+    ASSERT_EQ(network.Count(), 2u);
+    EXPECT_STREQ(network[0], "srv");
+    EXPECT_STREQ(network[1], "s");
+    const zunStringList drive = zunPath(R"(C:\a\b\)").GetComponents();
+    ASSERT_EQ(drive.Count(), 3u);
+    EXPECT_STREQ(drive[0], "C:");
+    EXPECT_STREQ(drive[1], "a");
+    EXPECT_STREQ(drive[2], "b");
+    EXPECT_EQ(zunPath().GetComponents().Count(), 0u);
+    EXPECT_EQ(zunPath(R"(\)").GetComponents().Count(), 0u);
+    const zunStringList wide = zunPath(ZUN_W("/Jos\u00E9/x")).GetComponents();
+    ASSERT_EQ(wide.Count(), 2u);
+    EXPECT_STREQ(wide[0], "Jos\xC3\xA9");
+}
+
 TEST(PathText, TheLastComponent)
 {
     EXPECT_EQ(Str(zunPath(R"(a\b\)").GetLastComponent16(zunPath::WithExtension)), "b");

@@ -839,6 +839,45 @@ TEST_F(PathDisk, OpenWithoutAModeOrAPathGivesNull)
     EXPECT_NE(text.find("errno=36, 'File name too long'"), std::string::npos);
 }
 
+// ---- FindExtension --------------------------------------------------------------------------
+
+TEST_F(PathDisk, FindExtensionTriesEachInTurn)
+{
+    MakeFolder("model.kelp"); // a folder is passed over
+    MakeFile("model.obj");
+    zunPath path = At("model");
+    EXPECT_EQ(path.FindExtension(zunStringList{"kelp", "obj", "ply"}), 1u);
+    EXPECT_EQ(Canon(path), Canon(At("model.obj")));
+    zunPath wide = At("model");
+    EXPECT_EQ(wide.FindExtension(zunStringListW{ZUN_W(".obj")}), 0u);
+    EXPECT_EQ(Canon(wide), Canon(At("model.obj")));
+}
+
+TEST_F(PathDisk, FindExtensionLeavesAPathWithAnExtension)
+{
+    MakeFile("model.obj");
+    zunPath path = At("model.x");
+    EXPECT_EQ(path.FindExtension(zunStringList{"obj"}), 0xFFFFFFFFu);
+    EXPECT_EQ(Canon(path), Canon(At("model.x")));
+}
+
+TEST_F(PathDisk, FindExtensionWithoutAFindRemovesTheExtension)
+{
+    zunPath path = At("model");
+    EXPECT_EQ(path.FindExtension(zunStringList{"a", "b"}), 0xFFFFFFFFu);
+    EXPECT_EQ(Canon(path), Canon(At("model")));
+    EXPECT_EQ(path.FindExtension(zunStringList()), 0xFFFFFFFFu);
+    EXPECT_EQ(Canon(path), Canon(At("model")));
+    // Each entry replaces what follows the last dot: the front of an entry
+    // with a dot of its own stays for the next ones and after the search.
+    MakeFile("model.tar.zip");
+    EXPECT_EQ(path.FindExtension(zunStringList{"tar.gz", "zip"}), 1u);
+    EXPECT_EQ(Canon(path), Canon(At("model.tar.zip")));
+    zunPath missing = At("model");
+    EXPECT_EQ(missing.FindExtension(zunStringList{"tar.gz", "7z"}), 0xFFFFFFFFu);
+    EXPECT_EQ(Canon(missing), Canon(At("model.tar")));
+}
+
 // ---- Current and temporary folders ------------------------------------------------------------
 
 TEST_F(PathDisk, TheCurrentFolderGoesAndComesBack)
