@@ -380,7 +380,7 @@ zunPath & zunPath::GoUp(unsigned int levels)
     while (levels > 0 && end > 0)
     {
         // A one-unit name with a trailing separator (`a\`, or what is left of
-        // `a\b\` after a level) is where the walk as designed finds the same
+        // `a\b\` after a level) is where the walk by its steps finds the same
         // place again and never ends. It stops here with what a name without
         // the separator gives: no separator before it, so nothing is left.
         const unsigned int separator = (end == 1 && trailingSeparator) ? kNotFound : text.FindLast(kSeparator, end - 1);

@@ -351,9 +351,9 @@ TEST(PathText, GoUpDisposesOfDotTextsOfOneOrTwoUnits)
 
 TEST(PathText, GoUpDoesNotResolveADotDotInTheMiddle)
 {
-    // The list of worked results gives `a\..\` here; the steps of the walk,
-    // which decide, give the empty text: the walk cuts at the separator
-    // before `b`, and its trim then takes `\..` off as one more level to climb.
+    // One might expect `a\..\` here; the steps of the walk, which decide,
+    // give the empty text: the walk cuts at the separator before `b`, and its
+    // trim then takes `\..` off as one more level to climb.
     EXPECT_EQ(Up(R"(a\..\b)", 1), "");
     // A ".." in the middle is kept as text when it is not at the end of a cut.
     EXPECT_EQ(Up(R"(a\..\b\c)", 1), R"(a\..\b\)");
@@ -361,7 +361,7 @@ TEST(PathText, GoUpDoesNotResolveADotDotInTheMiddle)
 
 TEST(PathText, GoUpOnAOneUnitNameWithATrailingSeparatorEnds)
 {
-    // The walk as designed never ends here; it stops with what the same path
+    // The walk by its steps never ends here; it stops with what the same path
     // without its separator gives.
     EXPECT_EQ(Up(R"(a\)", 1), "");
     EXPECT_EQ(Up("a", 1), "");
