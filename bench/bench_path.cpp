@@ -23,7 +23,7 @@ namespace
         return state.range(0) == 0 ? kShort : kLong;
     }
 
-    void Construct_zunPath(benchmark::State & state)
+    void zunPath_Construct(benchmark::State & state)
     {
         const char * text = Text(state);
         for (auto _ : state)
@@ -33,7 +33,7 @@ namespace
         }
     }
 
-    void Construct_stdPath(benchmark::State & state)
+    void stdfs_Construct(benchmark::State & state)
     {
         const char * text = Text(state);
         for (auto _ : state)
@@ -43,7 +43,7 @@ namespace
         }
     }
 
-    void LastComponent_zunPath(benchmark::State & state)
+    void zunPath_LastComponent(benchmark::State & state)
     {
         const zunPath path(Text(state));
         for (auto _ : state)
@@ -53,7 +53,7 @@ namespace
         }
     }
 
-    void LastComponent_stdPath(benchmark::State & state)
+    void stdfs_LastComponent(benchmark::State & state)
     {
         const std::filesystem::path path = std::filesystem::path(Text(state)).lexically_normal();
         for (auto _ : state)
@@ -63,7 +63,7 @@ namespace
         }
     }
 
-    void Append_zunPath(benchmark::State & state)
+    void zunPath_Append(benchmark::State & state)
     {
         const zunPath folder(Text(state));
         const zunPath name("textures");
@@ -75,7 +75,7 @@ namespace
         }
     }
 
-    void Append_stdPath(benchmark::State & state)
+    void stdfs_Append(benchmark::State & state)
     {
         const std::filesystem::path folder = std::filesystem::path(Text(state)).lexically_normal();
         const std::filesystem::path name("textures");
@@ -87,7 +87,7 @@ namespace
         }
     }
 
-    void MakeRelative_zunPath(benchmark::State & state)
+    void zunPath_MakeRelative(benchmark::State & state)
     {
         const zunPath path(kLong);
         const zunPath base(kFolder);
@@ -99,7 +99,7 @@ namespace
         }
     }
 
-    void MakeRelative_stdPath(benchmark::State & state)
+    void stdfs_MakeRelative(benchmark::State & state)
     {
         const std::filesystem::path path = std::filesystem::path(kLong).lexically_normal();
         const std::filesystem::path base(kFolder);
@@ -112,11 +112,11 @@ namespace
 }
 
 // Argument 0: a short path of three names; 1: a long one of ten with doubled separators.
-BENCHMARK(Construct_zunPath)->Arg(0)->Arg(1);
-BENCHMARK(Construct_stdPath)->Arg(0)->Arg(1);
-BENCHMARK(LastComponent_zunPath)->Arg(0)->Arg(1);
-BENCHMARK(LastComponent_stdPath)->Arg(0)->Arg(1);
-BENCHMARK(Append_zunPath)->Arg(0)->Arg(1);
-BENCHMARK(Append_stdPath)->Arg(0)->Arg(1);
-BENCHMARK(MakeRelative_zunPath);
-BENCHMARK(MakeRelative_stdPath);
+BENCHMARK(zunPath_Construct)->Arg(0)->Arg(1);
+BENCHMARK(stdfs_Construct)->Arg(0)->Arg(1);
+BENCHMARK(zunPath_LastComponent)->Arg(0)->Arg(1);
+BENCHMARK(stdfs_LastComponent)->Arg(0)->Arg(1);
+BENCHMARK(zunPath_Append)->Arg(0)->Arg(1);
+BENCHMARK(stdfs_Append)->Arg(0)->Arg(1);
+BENCHMARK(zunPath_MakeRelative);
+BENCHMARK(stdfs_MakeRelative);

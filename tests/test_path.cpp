@@ -298,6 +298,34 @@ TEST(PathText, SetLastComponentRefusesAnAbsoluteNameAfterTheCut)
     EXPECT_EQ(Canon(cutOnly), "a");
 }
 
+TEST(PathText, NarrowNamesAndExtensionsAreReadAsUTF8)
+{
+    zunPath path(R"(a\b.txt)");
+    path.SetExtension(zunString("r\xC3\xA9s"), 1);
+    EXPECT_EQ(path.GetExtension16(1), zunStringW(ZUN_W("r\u00E9s")));
+    path.SetLastComponent(zunString("Jos\xC3\xA9.obj"));
+    EXPECT_EQ(path.GetLastComponent16(zunPath::WithExtension), zunStringW(ZUN_W("Jos\u00E9.obj")));
+    EXPECT_EQ(Str(path.GetLastComponent(zunPath::WithoutExtension)), "Jos\xC3\xA9");
+    EXPECT_EQ(path.WinRepresentation().Length(), 10u); // units, not bytes
+}
+
+TEST(PathText, TheLastComponentOfTextsWithoutAnInnerSeparator)
+{
+    EXPECT_EQ(Str(zunPath(R"(abc\)").GetLastComponent(zunPath::WithExtension)), "abc");
+    EXPECT_EQ(Str(zunPath(R"(C:\)").GetLastComponent(zunPath::WithExtension)), "C:");
+    EXPECT_EQ(Str(zunPath(R"(\)").GetLastComponent(zunPath::WithExtension)), "");
+    EXPECT_EQ(Str(zunPath().GetLastComponent16(zunPath::WithoutExtension)), "");
+    EXPECT_EQ(Str(zunPath(".profile").GetLastComponent(zunPath::WithoutExtension)), "");
+    EXPECT_EQ(Str(zunPath(R"(a.b\c.d.e)").GetLastComponent(zunPath::WithoutExtension)), "c.d");
+}
+
+TEST(PathText, GetAbsolutePathOfAnEmptyPathIsTheBaseWithASeparator)
+{
+    EXPECT_EQ(Canon(zunPath().GetAbsolutePath(zunPath(R"(C:\a\)"))), R"(C:\a\)");
+    EXPECT_EQ(Canon(zunPath().GetAbsolutePath(zunPath(R"(/tmp)"))), R"(\tmp\)");
+    EXPECT_EQ(Canon(zunPath().GetAbsolutePath(zunPath())), "");
+}
+
 // ---- GoUp ----------------------------------------------------------------------------------
 
 TEST(PathText, GoUpClimbsAndLeavesASeparator)

@@ -878,6 +878,52 @@ TEST_F(PathDisk, FindExtensionWithoutAFindRemovesTheExtension)
     EXPECT_EQ(Canon(missing), Canon(At("model.tar")));
 }
 
+TEST_F(PathDisk, FindExtensionReadsANarrowListAsUTF8)
+{
+    MakeFile("model.r\xC3\xA9s");
+    zunPath path = At("model");
+    EXPECT_EQ(path.FindExtension(zunStringList{"res", "r\xC3\xA9s"}), 1u);
+    EXPECT_EQ(path.GetExtension16(1), zunStringW(ZUN_W("r\u00E9s")));
+    EXPECT_TRUE(path.ExistsAs(zunPath::File));
+}
+
+TEST_F(PathDisk, EmptyTooLongAndMissingPathsGiveFalseOrNull)
+{
+    MakeFile("present");
+    const zunPath bad[] = {zunPath(), zunPath(LongPath().c_str()), At("missing/deeper/file")};
+    for (const zunPath & path : bad)
+    {
+        SCOPED_TRACE(Canon(path).substr(0, 40));
+        zunPath::Info info;
+        EXPECT_FALSE(path.GetInfo(info));
+        EXPECT_FALSE(path.ExistsAs(zunPath::AnyObject));
+        EXPECT_FALSE(path.IsNewerThan(At("present")));
+        EXPECT_FALSE(path.CopyTo(At("copy"), zunPath::CopyDefault));
+        EXPECT_FALSE(path.MoveTo(At("moved"), zunPath::MoveAllowCopy | zunPath::MoveReplaceExisting));
+        EXPECT_FALSE(path.Delete(zunPath::OverrideReadOnly));
+        EXPECT_FALSE(path.DeleteFolderRecursive());
+        EXPECT_FALSE(path.Touch(zunPath::OverrideReadOnly));
+        EXPECT_FALSE(path.MakeHidden(true));
+        EXPECT_FALSE(path.MakeWriteable(true));
+        EXPECT_FALSE(path.SetCurrentPath());
+        EXPECT_EQ(path.Open("r"), nullptr);
+    }
+    // What is not there is walked without a visit, and found by no extension.
+    for (const zunPath & path : {bad[1], bad[2]})
+    {
+        int visits = 0;
+        EXPECT_TRUE(path.VisitFolder(zunString(), zunPath::Recursive,
+                                     [&](const zunPath &, const zunPath::Info &, int) { return ++visits, true; }));
+        EXPECT_EQ(visits, 0);
+        zunPath probe(path);
+        EXPECT_EQ(probe.FindExtension(zunStringList{"a", "b"}), 0xFFFFFFFFu);
+        EXPECT_EQ(probe, path);
+    }
+    EXPECT_FALSE(At("copy").ExistsAs(zunPath::AnyObject));
+    EXPECT_FALSE(At("moved").ExistsAs(zunPath::AnyObject));
+    EXPECT_TRUE(At("present").ExistsAs(zunPath::File));
+}
+
 // ---- Current and temporary folders ------------------------------------------------------------
 
 TEST_F(PathDisk, TheCurrentFolderGoesAndComesBack)
