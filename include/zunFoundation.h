@@ -13,6 +13,7 @@
 #include "zunColor.h"
 #include "zunConfig.h"
 #include "zunDebug.h"
+#include "zunDebugLog.h"
 #include "zunDebugPrint.h"
 #include "zunException.h"
 #include "zunFastMesh.h"

@@ -21,6 +21,8 @@
 
 #include "zunConfig.h"
 #include "zunFastMesh.h"
+#include "zunPath.h"
+#include "zunString.h"
 
 namespace zunSystem
 {
@@ -194,6 +196,31 @@ namespace zunSystem
         Key_Keypad9 = 140,
     };
 
+    /// Starts `program` with `arguments` (UTF-8) and returns its process id, or
+    /// 0xFFFFFFFF. The command line is the program's path in double quotes,
+    /// then a space and `arguments` unless they are empty; it is split into
+    /// the child's arguments by the rules of a started program's runtime:
+    /// blanks separate, double quotes group, 2n backslashes before a quote
+    /// give n and the quote groups, 2n+1 give n and a literal quote. The child
+    /// inherits the environment and the current folder; its exit status waits
+    /// for the caller's waitpid.
+    ZUN_API unsigned int CreateProcess(const zunPath & program, const zunString & arguments);
+    /// Loads a dynamic library (dlopen, every symbol bound at once); null on
+    /// failure. A name without a folder is searched as the system searches.
+    ZUN_API void * DLOpen(const zunPath & library);
+    /// The address of `name` in `library`; null on failure or a null library.
+    ZUN_API void * DLSymbol(void * library, const zunString & name);
+    /// The system's text for the last failure of this family in the calling
+    /// thread (a library, a symbol, a process); empty if there was none.
+    ZUN_API zunString DLError();
+
+    /// GetProcessPath of this process.
+    ZUN_API zunPath GetCurrentProcessPath();
+    /// The path of the executable of process `pid`. A process that cannot be
+    /// asked gives a path of 4,096 spaces, not an empty path; one that is there
+    /// but whose executable cannot be read (a kernel thread) also logs the
+    /// reason with the tag "system" of the debug log.
+    ZUN_API zunPath GetProcessPath(unsigned int pid);
     /// This process's id.
     ZUN_API unsigned int GetPid();
     /// The ids of the running processes, at most 8,192 of them; empty on failure.
@@ -204,6 +231,15 @@ namespace zunSystem
     ZUN_API bool KillProcess(unsigned int pid);
     /// The processors online.
     ZUN_API unsigned int GetNumberOfCPUs();
+
+    /// The user's folders, without a trailing separator; an empty path when the
+    /// user has none. Home is the password database's home folder; desktop
+    /// and documents are XDG_DESKTOP_DIR and XDG_DOCUMENTS_DIR of the home
+    /// folder's ".config/user-dirs.dirs", else its "Desktop" and "Documents".
+    /// No environment variable is read; the folders need not exist.
+    ZUN_API zunPath GetUserDesktopFolder();
+    ZUN_API zunPath GetUserDocumentFolder();
+    ZUN_API zunPath GetUserHomeFolder();
 
     /// Hides the mouse cursor. Hides nest: the first saves the current cursor,
     /// each one must be balanced by a RestoreCursor.

@@ -6,6 +6,9 @@
 #include "SystemPrivate.h"
 #include "platform/Display.h"
 #include "platform/Processes.h"
+#include "platform/UserFolders.h"
+#include "zunDebugLog.h"
+#include "zunException.h"
 
 namespace
 {
@@ -32,10 +35,33 @@ namespace
     };
 
     const unsigned int MaxProcesses = 8192;
+    const unsigned int MaxPathLength = 4096;
+
+    zunPath UserFolder(zunPlatform::UserFolder folder)
+    {
+        // One buffer of the longest path for the three queries, as the
+        // system's folder call fills the caller's buffer.
+        static char buffer[MaxPathLength];
+        std::string path;
+        if (!zunPlatform::GetUserFolder(folder, path) || path.size() >= MaxPathLength)
+            return zunPath();
+        path.copy(buffer, path.size());
+        buffer[path.size()] = 0;
+        return zunPath(buffer);
+    }
 }
 
 namespace zunSystemPrivate
 {
+    zunStringW BuildCommandLine(const zunPath & program, const zunString & arguments)
+    {
+        zunStringW commandLine(ZUN_W("\""));
+        commandLine << program.OSRepresentation16() << ZUN_W("\"");
+        if (!arguments.IsEmpty())
+            commandLine << ZUN_W(" ") << arguments;
+        return commandLine;
+    }
+
     KeyTable & SystemKeyTable()
     {
         static DisplayKeyboard keyboard;
@@ -56,6 +82,68 @@ namespace zunSystem
     Endianness GetEndianness()
     {
         return Little;
+    }
+
+    unsigned int CreateProcess(const zunPath & program, const zunString & arguments)
+    {
+        zunString commandLine;
+        commandLine = zunSystemPrivate::BuildCommandLine(program, arguments);
+        return zunPlatform::StartProcess(commandLine);
+    }
+
+    void * DLOpen(const zunPath & library)
+    {
+        return zunPlatform::OpenLibrary(library.OSRepresentation8());
+    }
+
+    void * DLSymbol(void * library, const zunString & name)
+    {
+        return zunPlatform::FindSymbol(library, name);
+    }
+
+    zunString DLError()
+    {
+        return zunString(zunPlatform::LastErrorText().c_str());
+    }
+
+    zunPath GetCurrentProcessPath()
+    {
+        return GetProcessPath(GetPid());
+    }
+
+    zunPath GetProcessPath(unsigned int pid)
+    {
+        std::string image(MaxPathLength, ' ');
+        switch (zunPlatform::ProcessImagePath(pid, image))
+        {
+        case zunPlatform::ImageFound:
+        case zunPlatform::ImageNoProcess:
+            break;
+        case zunPlatform::ImageQueryFailed:
+        {
+            const zunString error = DLError();
+            if (!error.IsEmpty())
+                zunDebugLog("system", "QueryFullProcessImageName failed\n%s", static_cast<const char *>(error));
+            zunFixMe("Can not get the current process path");
+            break;
+        }
+        }
+        return zunPath(image.c_str());
+    }
+
+    zunPath GetUserDesktopFolder()
+    {
+        return UserFolder(zunPlatform::UserDesktop);
+    }
+
+    zunPath GetUserDocumentFolder()
+    {
+        return UserFolder(zunPlatform::UserDocuments);
+    }
+
+    zunPath GetUserHomeFolder()
+    {
+        return UserFolder(zunPlatform::UserHome);
     }
 
     unsigned int GetPid()

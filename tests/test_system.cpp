@@ -2,6 +2,7 @@
 // counted cursor hiding and the key table, without a display.
 #include <gtest/gtest.h>
 
+#include <dlfcn.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/stat.h>
@@ -18,6 +19,7 @@
 #include <vector>
 
 #include "SystemPrivate.h"
+#include "platform/Debugger.h"
 #include "platform/Display.h"
 #include "platform/Processes.h"
 #include "platform/UserFolders.h"
@@ -581,4 +583,131 @@ TEST(KeyTable, PublicCallWithoutADisplayIsReleased)
     for (zunSystem::Key key = 0; key <= KeyTable::RowCount; ++key)
         EXPECT_FALSE(zunSystem::IsKeyPressed_Async(key));
     EXPECT_EQ(zunSystemPrivate::SystemKeyTable().WorkingRow(zunSystem::Key_Comma).code, 255);
+}
+
+// ---------------------------------------------------------------------------
+// The public services typed with paths and strings
+
+namespace
+{
+    struct WideCapture : zunPlatform::DebuggerCapture
+    {
+        std::vector<std::u16string> wide;
+        void Text(const char *) override {}
+        void TextW(const zunWChar * text) override { wide.push_back(reinterpret_cast<const char16_t *>(text)); }
+    };
+
+    std::string Resolved(const char * path)
+    {
+        char resolved[4096];
+        return realpath(path, resolved) != nullptr ? resolved : "";
+    }
+}
+
+TEST(SystemServices, ChildIsStartedListedFoundAndKilled)
+{
+    const unsigned int pid = zunSystem::CreateProcess(zunPath("/bin/sleep"), zunString("30"));
+    ASSERT_NE(pid, 0xFFFFFFFFu);
+    EXPECT_TRUE(Contains(zunSystem::GetRunningProcesses(), pid));
+    EXPECT_EQ(std::string(zunSystem::GetProcessPath(pid).OSRepresentation8()), Resolved("/bin/sleep"));
+    EXPECT_TRUE(zunSystem::KillProcess(pid));
+    int status = 0;
+    ASSERT_EQ(waitpid(static_cast<pid_t>(pid), &status, 0), static_cast<pid_t>(pid));
+    EXPECT_EQ(WTERMSIG(status), SIGKILL);
+}
+
+TEST(SystemServices, CommandLineIsTheQuotedPathAndTheArguments)
+{
+    const zunStringW alone = zunSystemPrivate::BuildCommandLine(zunPath("/bin/true"), zunString());
+    EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t *>(static_cast<const zunWChar *>(alone))),
+              u"\"/bin/true\"");
+    const zunStringW both = zunSystemPrivate::BuildCommandLine(zunPath("/bin/echo"), zunString("a \xC3\xA9"));
+    EXPECT_EQ(std::u16string(reinterpret_cast<const char16_t *>(static_cast<const zunWChar *>(both))),
+              u"\"/bin/echo\" a \u00E9");
+}
+
+TEST(SystemServices, MissingProgramGivesAllOnes)
+{
+    EXPECT_EQ(zunSystem::CreateProcess(zunPath("/no/such/program"), zunString()), 0xFFFFFFFFu);
+    EXPECT_FALSE(zunSystem::DLError().IsEmpty());
+}
+
+TEST(SystemServices, ProcessThatCannotBeAskedGivesSpaces)
+{
+    const zunPath path = zunSystem::GetProcessPath(0x7FFFFFF0);
+    const zunStringW & text = path.WinRepresentation();
+    ASSERT_EQ(text.Length(), 4096u);
+    for (unsigned int i = 0; i < text.Length(); ++i)
+        ASSERT_EQ(text.GetAt(i), u' ');
+}
+
+TEST(SystemServices, UnreadableImageIsLogged)
+{
+    const pid_t zombie = MakeZombie();
+    ASSERT_GT(zombie, 0);
+    TemporaryFolder home;
+    home.Write("zunDebugLogTags.txt", "system\n");
+    zunPlatform::OverrideUserHome(home.path.c_str());
+    WideCapture debugger;
+    zunPlatform::SetDebuggerCapture(&debugger);
+    const zunPath path = zunSystem::GetProcessPath(static_cast<unsigned int>(zombie));
+    waitpid(zombie, nullptr, 0);
+    zunPlatform::SetDebuggerCapture(nullptr);
+    zunPlatform::OverrideUserHome(nullptr);
+    EXPECT_EQ(path.WinRepresentation().Length(), 4096u);
+    ASSERT_EQ(debugger.wide.size(), 1u);
+    EXPECT_EQ(debugger.wide[0].rfind(u"QueryFullProcessImageName failed\n", 0), 0u);
+    EXPECT_GT(debugger.wide[0].size(), 33u);
+}
+
+TEST(SystemServices, CurrentProcessPathIsThisProgram)
+{
+    EXPECT_EQ(std::string(zunSystem::GetCurrentProcessPath().OSRepresentation8()), Resolved("/proc/self/exe"));
+}
+
+TEST(SystemServices, LibrariesOpenAndTheirSymbolsAreFound)
+{
+    void * libm = zunSystem::DLOpen(zunPath("libm.so.6"));
+    ASSERT_NE(libm, nullptr);
+    EXPECT_NE(zunSystem::DLSymbol(libm, zunString("cos")), nullptr);
+    EXPECT_EQ(zunSystem::DLSymbol(libm, zunString("no_such_symbol")), nullptr);
+    EXPECT_FALSE(zunSystem::DLError().IsEmpty());
+
+    Dl_info self;
+    ASSERT_NE(dladdr(reinterpret_cast<void *>(&zunSystem::GetPid), &self), 0);
+    void * library = zunSystem::DLOpen(zunPath(self.dli_fname));
+    ASSERT_NE(library, nullptr);
+    EXPECT_EQ(zunSystem::DLSymbol(library, zunString("_ZN9zunSystem6GetPidEv")),
+              reinterpret_cast<void *>(&zunSystem::GetPid));
+}
+
+TEST(SystemServices, MissingLibraryGivesNullAndAText)
+{
+    EXPECT_EQ(zunSystem::DLOpen(zunPath("/no/such/libthing.so")), nullptr);
+    EXPECT_NE(std::string(zunSystem::DLError()).find("libthing"), std::string::npos);
+    EXPECT_EQ(zunSystem::DLSymbol(nullptr, zunString("cos")), nullptr);
+}
+
+TEST(SystemServices, UserFoldersComeFromHome)
+{
+    TemporaryFolder home;
+    home.Write(".config/user-dirs.dirs", "XDG_DOCUMENTS_DIR=\"$HOME/Papers\"\n");
+    zunPlatform::OverrideUserHome(home.path.c_str());
+    EXPECT_EQ(std::string(zunSystem::GetUserHomeFolder().OSRepresentation8()), home.path);
+    EXPECT_EQ(std::string(zunSystem::GetUserDesktopFolder().OSRepresentation8()), home.path + "/Desktop");
+    EXPECT_EQ(std::string(zunSystem::GetUserDocumentFolder().OSRepresentation8()), home.path + "/Papers");
+    zunPlatform::OverrideUserHome("");
+    EXPECT_TRUE(zunSystem::GetUserHomeFolder().IsEmpty());
+    EXPECT_TRUE(zunSystem::GetUserDesktopFolder().IsEmpty());
+    zunPlatform::OverrideUserHome(nullptr);
+}
+
+TEST(SystemServices, KillOfAllOnesAsksNothingOfTheSystem)
+{
+    ASSERT_EQ(zunSystem::DLOpen(zunPath("/no/such/libmarker.so")), nullptr);
+    const std::string before(zunSystem::DLError());
+    EXPECT_FALSE(zunSystem::KillProcess(0xFFFFFFFF));
+    EXPECT_EQ(std::string(zunSystem::DLError()), before); // a refused system call would have replaced it
+    EXPECT_FALSE(zunSystem::KillProcess(0));
+    EXPECT_NE(std::string(zunSystem::DLError()), before);
 }

@@ -137,6 +137,21 @@ int main()
     failures += !zunPath::GetTemporaryPath().ExistsAs(zunPath::Folder);
     failures += zunDprintf("no target, no text\n") != 0;
 
+    failures += zunSystem::GetCurrentProcessPath().GetLastComponent().IsEmpty();
+    void * libm = zunSystem::DLOpen(zunPath("libm.so.6"));
+    failures += libm == nullptr || zunSystem::DLSymbol(libm, zunString("cos")) == nullptr;
+    const zunPath log("/tmp/consumer/release.log");
+    log.Delete();
+    zunSetReleaseLogFile(log);
+    zunReleaseLog("x=%d\n", 1);
+    char logged[8] = {};
+    if (FILE * file = log.Open("rb"))
+    {
+        failures += std::fread(logged, 1, sizeof(logged) - 1, file) != 4;
+        std::fclose(file);
+    }
+    failures += std::strcmp(logged, "x=1\n") != 0;
+
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
 }
