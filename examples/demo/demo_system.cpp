@@ -1,6 +1,8 @@
 // Demo sections of the machine services and the debug aids.
 #include <zunFoundation.h>
 
+#include <sys/wait.h>
+
 #include <cstdint>
 #include <cstdio>
 
@@ -54,4 +56,53 @@ ZUN_DEMO_SECTION(102, "Hardware breakpoints")
         removed += Windows::RemoveMemBreak(watch) ? 1 : 0;
     std::printf("removed %u; RemoveMemBreak(nullptr) = %s; debug flags: 0x%X\n", removed,
                 Windows::RemoveMemBreak(nullptr) ? "true" : "false", Windows::GetDebugFlags().GetMask());
+}
+
+ZUN_DEMO_SECTION(103, "Programs, libraries and folders")
+{
+    std::printf("this program: %s\n",
+                static_cast<const char *>(zunSystem::GetCurrentProcessPath().OSRepresentation8()));
+    std::printf("home: %s\ndesktop: %s\ndocuments: %s\n",
+                static_cast<const char *>(zunSystem::GetUserHomeFolder().OSRepresentation8()),
+                static_cast<const char *>(zunSystem::GetUserDesktopFolder().OSRepresentation8()),
+                static_cast<const char *>(zunSystem::GetUserDocumentFolder().OSRepresentation8()));
+
+    void * libm = zunSystem::DLOpen(zunPath("libm.so.6"));
+    auto cosine = reinterpret_cast<double (*)(double)>(zunSystem::DLSymbol(libm, zunString("cos")));
+    std::printf("cos(0) through a library opened at run time: %.1f\n", cosine != nullptr ? cosine(0.0) : -1.0);
+    if (zunSystem::DLOpen(zunPath("libnot-there.so")) == nullptr)
+        std::printf("a missing library gives null: %s\n", static_cast<const char *>(zunSystem::DLError()));
+
+    const unsigned int child = zunSystem::CreateProcess(zunPath("/bin/sleep"), zunString("5"));
+    const zunPath childPath = zunSystem::GetProcessPath(child);
+    const bool killed = zunSystem::KillProcess(child);
+    if (killed)
+        waitpid(static_cast<pid_t>(child), nullptr, 0); // the child is the caller's to reap
+    std::printf("started /bin/sleep as %u, its path %s, killed: %s\n", child,
+                static_cast<const char *>(childPath.OSRepresentation8()), killed ? "yes" : "no");
+    std::printf("CreateProcess of a missing program: 0x%X\n",
+                zunSystem::CreateProcess(zunPath("/no/such/program"), zunString()));
+}
+
+ZUN_DEMO_SECTION(104, "Debug log and release log")
+{
+    // Without a tag file in the home folder only untagged messages pass; they
+    // go to a debugger, when one is attached.
+    zunDebugLog("render", "filtered out unless the tag file lists render\n");
+    zunDebugLog(nullptr, "an untagged message always passes\n");
+
+    // The release log would go to the desktop; the demo keeps it in /tmp.
+    const zunPath file("/tmp/kelp_demo/release.log");
+    file.Delete(zunPath::OverrideReadOnly);
+    zunSetReleaseLogFile(file);
+    zunReleaseLog("first message, pid %u\n", zunSystem::GetPid());
+    zunReleaseLog("second message\n");
+    if (FILE * log = file.Open("r"))
+    {
+        std::printf("%s holds:\n", static_cast<const char *>(file.OSRepresentation8()));
+        char line[128];
+        while (std::fgets(line, sizeof(line), log) != nullptr)
+            std::printf("  %s", line);
+        std::fclose(log);
+    }
 }
