@@ -83,6 +83,13 @@ RULES = {
         (r"BM_PolyTess", "Tessellate", LIBRARY),
         (r"BM_RawGLU", "Tessellate", "raw GLU"),
     ],
+    "bench_debug_log": [
+        (r"DebugLog_FilteredOut", "A message whose tag is not listed", LIBRARY),
+        (r"Snprintf_SameMessage", "A message whose tag is not listed", "snprintf of the message"),
+        (r"ReleaseLog_Append", "Append a message to a log file", LIBRARY),
+        (r"Fopen_AppendClose", "Append a message to a log file", "fopen, fprintf, fclose"),
+        (r"Fprintf_KeptOpen", "Append a message to a log file", "fprintf to a FILE kept open"),
+    ],
     "bench_signal": [
         (r"EmitToHandlers<(\w+)>", "Emit", LIBRARY + " ({1})"),
         (r"CallStdFunctionVector", "Emit", "std::function vector"),
@@ -112,6 +119,10 @@ NOTES = {
                                          "stack buffer. Nearly all the time is the runtime's number formatting.",
     ("bench_string", "CompareEqual"): "Equality is one call into the shared library, which checks the checksum and "
                                       "the length before it compares bytes; std::string's is inlined.",
+    ("bench_debug_log", "A message"): "The tag test lowers a copy of the tag and splits it at commas into a list, "
+                                      "heap blocks both; the message itself is never formatted.",
+    ("bench_debug_log", "Append"): "The release log makes its folder and opens and closes its file at every "
+                                   "message, so that each message is on disk at once and nothing is held open.",
     ("bench_string", "Assign"): "Assigning allocates a block of the exact size every time (no capacity kept).",
     ("bench_matrix", "TransformFloat"): "The library widens every float coordinate to double and applies its "
                                         "double matrix, as its results must be the double formula's narrowed "
