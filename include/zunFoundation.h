@@ -32,6 +32,7 @@
 #include "zunRectangle.h"
 #include "zunSelfTest.h"
 #include "zunSignal.h"
+#include "zunSimpleSettings.h"
 #include "zunSlerp.h"
 #include "zunString.h"
 #include "zunStringList.h"

@@ -234,7 +234,7 @@ namespace zunSettingsPrivate
                 std::size_t start = 0;
                 while (start < length && IsSpace(text[start]))
                     ++start;
-                const char open = start < length ? text[start] : 0;
+                const char open = start < length ? text[start] : '\0';
                 const char * close = nullptr;
                 if (open == '"' || open == '\'')
                     close = static_cast<const char *>(std::memchr(text + start + 1, open, length - start - 1));
@@ -258,13 +258,15 @@ namespace zunSettingsPrivate
         };
     }
 
-    bool KeyValue::ParseValue(const char * text, std::size_t length, RecordArena * arena) noexcept
+    bool KeyValue::ParseValue(const char * text, std::size_t length, RecordArena * arena, bool * valueChanged) noexcept
     {
         const ValueParts parts(text, length);
         RecordText value, trailing;
         if (!value.Assign(parts.value, parts.valueLength, arena) ||
             !trailing.Assign(parts.trailing, parts.trailingLength, arena))
             return false;
+        if (valueChanged != nullptr)
+            *valueChanged = m_value.View() != value.View();
         m_value.Swap(value);
         m_trailing.Swap(trailing);
         m_quote = parts.quote;

@@ -121,8 +121,10 @@ namespace zunSettingsPrivate
         /// a closing quote, or without an opening one, the value is all the
         /// rest, trailing blanks and comment-like text included. The texts go
         /// to `arena` (null: the heap). All or nothing: false, with the record
-        /// as it was, when memory is exhausted.
-        bool ParseValue(const char * text, std::size_t length, RecordArena * arena) noexcept;
+        /// as it was, when memory is exhausted. `valueChanged`, when given,
+        /// tells whether m_value differs from what it was.
+        bool ParseValue(const char * text, std::size_t length, RecordArena * arena,
+                        bool * valueChanged = nullptr) noexcept;
 
         /// The record of a line whose first "=" stands at `separator`: the
         /// key is the text in front of it, emptied when it starts with white

@@ -37,6 +37,31 @@ namespace settingsTest
             .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     }
 
+    /// The example file of the format, line by line what reading makes of
+    /// it, and what writing it back gives.
+    const char kWorkedExample[] = "; global note\n"
+                                  "top=1\n"
+                                  "[View] first\n"
+                                  "Width = 800\n"
+                                  " Height=600\n"
+                                  "Title='My App' ; shown\n"
+                                  "Path='C:\\x\n"
+                                  "; note\n"
+                                  "\n"
+                                  "[view]\n"
+                                  "Width=1024\n"
+                                  "noequals\n";
+    const char kWorkedExampleWritten[] = "; global note\n"
+                                         "top=1\n"
+                                         "[View] first\n"
+                                         "Width=1024\n"
+                                         "=600\n"
+                                         "Title='My App' ; shown\n"
+                                         "Path='C:\\x\n"
+                                         "; note\n"
+                                         "\n"
+                                         "noequals\n";
+
     /// The bytes of a file; empty when it does not open.
     inline std::string ReadBytes(const std::string & file)
     {

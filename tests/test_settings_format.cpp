@@ -148,18 +148,7 @@ TEST(SettingsGrammar, ClassificationTakesTheFirstRuleThatFits)
 
 TEST(SettingsFormat, WorkedExampleRowByRow)
 {
-    const Loaded file("; global note\n"
-                      "top=1\n"
-                      "[View] first\n"
-                      "Width = 800\n"
-                      " Height=600\n"
-                      "Title='My App' ; shown\n"
-                      "Path='C:\\x\n"
-                      "; note\n"
-                      "\n"
-                      "[view]\n"
-                      "Width=1024\n"
-                      "noequals\n");
+    const Loaded file(settingsTest::kWorkedExample);
 
     ASSERT_EQ(file.Items().size(), 3u);
     ExpectOther(file.Item(0), "; global note");
@@ -177,16 +166,7 @@ TEST(SettingsFormat, WorkedExampleRowByRow)
     ExpectOther(Child(view, 5), "");
     ExpectOther(Child(view, 6), "noequals"); // "[view]" went, its lines went on into View
 
-    EXPECT_EQ(file.Written(), "; global note\n"
-                              "top=1\n"
-                              "[View] first\n"
-                              "Width=1024\n"
-                              "=600\n"
-                              "Title='My App' ; shown\n"
-                              "Path='C:\\x\n"
-                              "; note\n"
-                              "\n"
-                              "noequals\n");
+    EXPECT_EQ(file.Written(), settingsTest::kWorkedExampleWritten);
 }
 
 // ---------------------------------------------------------------------------

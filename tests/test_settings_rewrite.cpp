@@ -7,7 +7,8 @@
 // and earlier values of repeated keys go, blanks around "=" go, a key that
 // began with white space goes, a missing last newline is added (CR LF behind
 // a line that ends in a carriage return); every other byte stays. A second
-// rewrite must change nothing.
+// rewrite must change nothing. Through the settings interface, a setter
+// changes its own line (or adds its own) and nothing else.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -18,6 +19,7 @@
 
 #include "SettingsTestFiles.h"
 #include "SimpleSettingsImp.h"
+#include "zunSimpleSettings.h"
 
 namespace
 {
@@ -360,4 +362,91 @@ TEST(SettingsRewrite, FileInTheWrittenFormComesBackUnchanged)
                               "tail without end";
     settingsTest::WriteBytes(file, bytes);
     EXPECT_EQ(Rewrite(file), bytes + "\n");
+}
+
+namespace
+{
+    std::string Upper(std::string text)
+    {
+        for (char & c : text)
+            if (c >= 'a' && c <= 'z')
+                c = static_cast<char>(c - 'a' + 'A');
+        return text;
+    }
+
+    bool HasZeroByte(const std::string & text)
+    {
+        return text.find('\0') != std::string::npos;
+    }
+
+    // The line end of the model's last line: a line added behind it takes it.
+    bool LastCrLf(const std::vector<Expected> & records, bool otherwise)
+    {
+        if (records.empty())
+            return otherwise;
+        const Expected & last = records.back();
+        return last.kind == Expected::Section ? LastCrLf(last.children, last.crlf) : last.crlf;
+    }
+}
+
+TEST(SettingsRewrite, SettersChangeTheirOwnLinesAndNothingElse)
+{
+    settingsTest::TemporaryFolder folder;
+    std::string bytes;
+    std::vector<Expected> model;
+    const zunFlags<zunSimpleSettingsManager::OpenModeFlag, 2> unmanaged(zunSimpleSettingsManager::Unmanaged);
+    for (unsigned int seed = 1; seed <= 300; ++seed)
+    {
+        const std::string file = folder.File(std::to_string(seed) + ".ini");
+        Generator(seed).File(bytes, model);
+        settingsTest::WriteBytes(file, bytes);
+        auto opened = zunSimpleSettingsManager::Get().OpenSettings(zunPath(file.c_str()), unmanaged);
+        ASSERT_EQ(opened.second, zunSimpleSettingsManager::NoError);
+        zunSimpleSettings & settings = *opened.first;
+
+        // The sections in file order, as texts up to a zero byte, empty ones left out.
+        std::vector<std::string> names;
+        for (const Expected & record : model)
+            if (record.kind == Expected::Section && record.text.c_str()[0] != 0)
+                names.push_back(record.text.c_str());
+        std::vector<std::string> listed;
+        for (const char * name : settings.GetSections())
+            listed.push_back(name);
+        ASSERT_EQ(listed, names) << "seed " << seed;
+
+        // The first key of each section gets a new value, through names in
+        // another case; its quotes and the text behind them go.
+        const std::string value = "v" + std::to_string(seed);
+        for (Expected & section : model)
+        {
+            if (section.kind != Expected::Section || HasZeroByte(section.text))
+                continue;
+            for (Expected & child : section.children)
+            {
+                if (child.kind != Expected::KeyValue || HasZeroByte(child.text))
+                    continue;
+                settings.SetString(Upper(section.text).c_str(), Upper(child.text).c_str(), value.c_str());
+                child.value = value;
+                child.quote = 0;
+                child.trailing.clear();
+                break;
+            }
+        }
+        // And a new section with a new key goes to the end.
+        settings.SetInt("zz new section", "key", static_cast<int>(seed));
+        Expected added;
+        added.kind = Expected::Section;
+        added.text = "zz new section";
+        added.crlf = LastCrLf(model, false);
+        Expected key;
+        key.kind = Expected::KeyValue;
+        key.text = "key";
+        key.value = std::to_string(seed);
+        key.crlf = added.crlf;
+        added.children.push_back(key);
+        model.push_back(added);
+
+        opened.first.reset();
+        ASSERT_EQ(settingsTest::ReadBytes(file), Write(model)) << "seed " << seed;
+    }
 }

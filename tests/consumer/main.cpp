@@ -4,7 +4,10 @@
 
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
+
+#include <unistd.h>
 
 namespace
 {
@@ -151,6 +154,32 @@ int main()
         std::fclose(file);
     }
     failures += std::strcmp(logged, "x=1\n") != 0;
+    char settingsName[] = "/tmp/zun_consumer_settings_XXXXXX";
+    const int settingsFile = mkstemp(settingsName);
+    failures += settingsFile < 0;
+    if (settingsFile >= 0)
+    {
+        close(settingsFile);
+        std::FILE * text = std::fopen(settingsName, "w");
+        std::fputs("; kept\n[View]\nWidth = '800'\n", text);
+        std::fclose(text);
+        auto opened =
+            zunSimpleSettingsManager::Get().OpenSettings(zunPath(settingsName), zunSimpleSettingsManager::Unmanaged);
+        failures += opened.second != zunSimpleSettingsManager::NoError || !opened.first;
+        if (opened.first)
+        {
+            zunSimpleSettings::SettingStatus status = zunSimpleSettings::BadValue;
+            failures += opened.first->GetInt("view", "WIDTH", 0, &status) != 800 || status != zunSimpleSettings::Found;
+            opened.first->SetDouble("View", "Zoom", 0.5);
+            opened.first.reset();
+        }
+        char written[64] = {};
+        text = std::fopen(settingsName, "r");
+        failures += std::fread(written, 1, sizeof(written) - 1, text) == 0;
+        std::fclose(text);
+        failures += std::strcmp(written, "; kept\n[View]\nWidth='800'\nZoom=0.5000000000000000\n") != 0;
+        std::remove(settingsName);
+    }
 
     std::printf("consumer: %s\n", failures == 0 ? "ok" : "FAILED");
     return failures == 0 ? 0 : 1;
