@@ -16,6 +16,7 @@
 #include "zunDebugLog.h"
 #include "zunDebugPrint.h"
 #include "zunException.h"
+#include "zunExternalReference.h"
 #include "zunFastMesh.h"
 #include "zunFeatureID.h"
 #include "zunFile.h"
