@@ -73,6 +73,8 @@ public:
     /// "{ " ids joined by ", " " }", each by "%x" (hexadecimal) or "%d" (an id
     /// with the top bit set prints negative). Empty: "{  }".
     zunString ToString(bool hexadecimal) const;
+    /// Logs ToString(hexadecimal) and a line end through zunDebugLog under `tag`.
+    void Dump(const zunString & tag, bool hexadecimal) const;
 
     /// Same count and the same ids.
     bool operator==(const zunFeatureID & other) const;

@@ -7,6 +7,7 @@
 #include "FileArrayAccess.h"
 #include "SelfTestReport.h"
 #include "ThrowSite.h"
+#include "zunDebugLog.h"
 #include "zunFastMesh.h"
 #include "zunFeatureID.h"
 #include "zunFile.h"
@@ -270,6 +271,11 @@ zunString zunFeatureID::ToString(bool hexadecimal) const
     }
     text << " }";
     return text;
+}
+
+void zunFeatureID::Dump(const zunString & tag, bool hexadecimal) const
+{
+    zunDebugLog(tag, "%s\n", static_cast<const char *>(ToString(hexadecimal)));
 }
 
 bool zunFeatureID::operator==(const zunFeatureID & other) const

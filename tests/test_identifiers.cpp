@@ -9,8 +9,10 @@
 #include <string>
 #include <vector>
 
+#include "DebugLogPrivate.h"
 #include "IdTestSupport.h"
 #include "MemTesting.h"
+#include "platform/Debugger.h"
 
 using idtest::BytesOf;
 using idtest::Reader;
@@ -482,4 +484,35 @@ TEST(FeatureID, ReadThrowsWhenTheHeapCannotHoldTheCount)
     zunMemTesting::FailAllocation(1, false);
     EXPECT_THROW(id.Read(again.get()), zunException);
     zunMemTesting::Reset();
+}
+
+// ---- zunFeatureID::Dump, caught where the debug log sends it
+
+namespace
+{
+    struct DebuggerText : zunPlatform::DebuggerCapture
+    {
+        std::string narrow;
+        std::u16string wide;
+        void Text(const char * text) override { narrow += text; }
+        void TextW(const zunWChar * text) override { wide += reinterpret_cast<const char16_t *>(text); }
+    };
+}
+
+TEST(FeatureID, DumpLogsToStringAndALineEnd)
+{
+    DebuggerText debugger;
+    zunPlatform::ForceDebuggerPresent(1);
+    zunPlatform::SetDebuggerCapture(&debugger);
+    zunDebugLogPrivate::ResetForTests();
+    // Switched on, the debug log sends every message, tags ignored, to the
+    // debug print channel, which a debugger receives.
+    zunEnableDebugLog(true);
+    Ids({1, 255}).Dump("ids", true);
+    zunFeatureID().Dump("ids", false);
+    Ids({0xFFFFFFFFu}).Dump(zunString(), false);
+    zunDebugLogPrivate::ResetForTests();
+    zunPlatform::SetDebuggerCapture(nullptr);
+    zunPlatform::ForceDebuggerPresent(-1);
+    EXPECT_EQ(debugger.narrow + std::string(debugger.wide.begin(), debugger.wide.end()), "{ 1, ff }\n{  }\n{ -1 }\n");
 }
