@@ -63,6 +63,14 @@ public:
         WithoutExtension = 1
     };
 
+    /// The two path syntaxes of the name rules. Any other number is reported
+    /// with zunFixMe("unsupported path representation").
+    enum Representation : int
+    {
+        UnityPath = 0, ///< only ":" is refused in a file name
+        WinPath = 1    ///< < > " | ? * : \ / are refused in a file name
+    };
+
     /// What ExistsAs asks for.
     enum Object
     {
@@ -150,6 +158,9 @@ public:
     /// Normalises UTF-16 text; null gives the empty path.
     zunPath(const zunStringW & text);
     zunPath(const zunWChar * text);
+    /// Copies `defaultValue`, then Read. A read stopped at the stream's limit
+    /// gives the empty path, as a string read there does, not the default.
+    zunPath(zunFile * file, const zunPath & defaultValue);
     ~zunPath();
 
     zunPath & operator=(const zunPath & other);
@@ -304,6 +315,49 @@ public:
     bool DeleteFolderRecursive() const;
     /// Makes the folder (TopLevelOnly: its parent must exist), or the folder
     /// holding this path with PathIsFile. True when it exists afterwards.
+    // ---- File form ----------------------------------------------------------------------
+    // The canonical text as a wide string: a 32-bit count of UTF-8 bytes, the
+    // bytes and a zero byte. Backslashes are stored as they stand.
+
+    /// Reads the text as it is stored, without normalising it.
+    void Read(zunFile * file);
+    /// Throws zunException when the bytes don't go out.
+    void Write(zunFile * file) const;
+
+    // ---- Name rules and temporary names ---------------------------------------------------
+    // Static: none of these looks at a path object's own text. Names and paths
+    // of more than 256 units (bytes for the narrow forms) are refused.
+
+    /// The characters a file name may not hold: ":" for UnityPath, and
+    /// < > " | ? * : \ / for WinPath. Empty for another number (reported).
+    static zunStringW GetInvalidFilenameCharacters16(zunPath::Representation representation);
+    static zunString GetInvalidFilenameCharacters(zunPath::Representation representation);
+    /// 1 to 256 units, none of them invalid in a file name.
+    static bool IsValidFilename(const zunString & name, zunPath::Representation representation);
+    static bool IsValidFilename(const zunStringW & name, zunPath::Representation representation);
+    /// 2 to 256 units. UnityPath refuses ":"; WinPath refuses " * < > ? | and
+    /// allows one colon only before the first separator (`C:\a`), where a
+    /// leading `\\` doesn't count as a separator: `C:\a:b` and `a\b:c` are
+    /// invalid, `\\srv\s` and `C:/a` valid.
+    static bool IsValidPath(const zunString & path, zunPath::Representation representation);
+    static bool IsValidPath(const zunStringW & path, zunPath::Representation representation);
+    /// A copy of `name` with each invalid character replaced by
+    /// `replacement`; unchanged when `name` is empty or `replacement` is 0.
+    static zunStringW MakeValidFilename(const zunStringW & name, zunWChar replacement,
+                                        zunPath::Representation representation);
+    /// The wide form over the UTF-8 `name`, but the replacement is the first
+    /// decimal digit of `replacement`'s code, not the character itself: '_'
+    /// (95) replaces by '9', '-' (45) by '4'. Stored names depend on this.
+    static zunString MakeValidFilename(const zunString & name, char replacement,
+                                       zunPath::Representation representation);
+    /// `folder` + stem + the digits of one rand() + suffix, for a name that
+    /// doesn't exist yet; the suffix is what follows the first dot of `stem`
+    /// (`data.tmp` gives `data<digits>.tmp`). Tries 50 numbers; empty when all
+    /// exist or `folder` isn't a folder. Nothing is created: another process
+    /// may take the name before it is opened. Reseeds rand() from the time.
+    static zunPath GetTemporaryFilename(zunStringW stem, const zunPath & folder);
+    static zunPath GetTemporaryFilename(const zunString & stem, const zunPath & folder);
+
     /// The process's current folder changes while this runs and is put back.
     bool CreateFolder(zunPath::TraverseMode mode = Recursive, zunPath::CreateFolderOption option = PathIsFolder) const;
     /// Sets the access and write times of a file to now (Linux keeps its own

@@ -10,6 +10,7 @@
 #include "FileState.h"
 #include "ThrowSite.h"
 #include "zunException.h"
+#include "zunPath.h"
 
 namespace
 {
@@ -516,3 +517,21 @@ template void zunStringT<char, zunCharHelper<char>>::Read(zunFile *);
 template void zunStringT<char, zunCharHelper<char>>::Write(zunFile *) const;
 template void zunStringT<zunWChar, zunCharHelper<zunWChar>>::Read(zunFile *);
 template void zunStringT<zunWChar, zunCharHelper<zunWChar>>::Write(zunFile *) const;
+
+// ---- The path's file form: its canonical text as a wide string.
+
+zunPath::zunPath(zunFile * file, const zunPath & defaultValue) : zunPath(defaultValue)
+{
+    Read(file);
+}
+
+void zunPath::Read(zunFile * file)
+{
+    // Straight into the stored text: what was written is what the path holds.
+    file->Read_String16(MutableText(), zunFile::Terminated);
+}
+
+void zunPath::Write(zunFile * file) const
+{
+    file->Write_String16(Text());
+}
