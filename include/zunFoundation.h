@@ -20,6 +20,7 @@
 #include "zunFastMesh.h"
 #include "zunFeatureID.h"
 #include "zunFile.h"
+#include "zunFileDisk.h"
 #include "zunFlags.h"
 #include "zunGUID.h"
 #include "zunGeometry.h"

@@ -1,17 +1,8 @@
 // zunFile: construction, closing, positions, limits and the stored settings.
 // The typed reads and writes are in File.cpp, the cache in FileCache.cpp.
-#include <cstdarg>
-
 #include "FileState.h"
+#include "zunDebugPrint.h"
 #include "zunException.h"
-
-namespace
-{
-    // The debug print channel's one user here; it is wired to the channel
-    // when the channel joins the library. Until then the text is dropped.
-    void PrintToDebugChannel(const char * format, ...) ZUN_PRINTF_FORMAT(1, 2);
-    void PrintToDebugChannel(const char *, ...) {}
-}
 
 zunFile::CallBacks::~CallBacks() = default;
 
@@ -36,8 +27,8 @@ zunFile::~zunFile() noexcept(false)
         // who must know call Close first.
         if (!zunException::IsAnyBeingHandled())
             throw;
-        PrintToDebugChannel("Silencing an exception originally thrown by %s.\nDescription: %s\nDebug description: %s\n",
-                            e.GetFileAndLine(), e.GetDescription(), e.GetDebugDescription());
+        zunDprintf("Silencing an exception originally thrown by %s.\nDescription: %s\nDebug description: %s\n",
+                   e.GetFileAndLine(), e.GetDescription(), e.GetDebugDescription());
     }
 }
 

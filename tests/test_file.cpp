@@ -2,6 +2,12 @@
 // limits, settings, closing and destruction.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <unistd.h>
+
 #include "FileTestSupport.h"
 #include "MemTesting.h"
 
@@ -628,6 +634,29 @@ TEST(FileLifeCycle, FailureWhileDestroyingIsSilenced)
     EXPECT_NO_THROW(file2.reset());
     EXPECT_EQ(storage2->CountOf(Op::Close), 1u);
     EXPECT_TRUE(storage2->destroyed);
+}
+
+TEST(FileLifeCycle, SilencedFailureIsWrittenToTheDebugPrintChannel)
+{
+    char folder[] = "/tmp/zun_file_silence_XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    const std::string log = std::string(folder) + "/debug.txt";
+    zunSetDprintfFile(zunPath(log.c_str()));
+    {
+        auto storage = std::make_shared<Storage>();
+        auto file = MakeRecordedFile(storage);
+        file->Write_Int32(1);
+        storage->throwOnWrite = true;
+    }
+    zunSetDprintfFile(zunPath());
+    std::ifstream in(log);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    std::remove(log.c_str());
+    rmdir(folder);
+    EXPECT_NE(text.find("Silencing an exception originally thrown by tests/FileTestSupport.h.\nDescription: "),
+              std::string::npos)
+        << text;
+    EXPECT_NE(text.find("\nDebug description: write refused\n"), std::string::npos) << text;
 }
 
 TEST(FileLifeCycle, CloseReportsWhatDestructionWouldSilence)
