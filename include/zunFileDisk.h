@@ -58,8 +58,9 @@ struct ZUN_API zunFileDisk
     /// Opens `path` and builds a stream over it with the default cache; null
     /// when the file can't be opened, when the path is empty, or when no
     /// temporary name could be found.
-    static std::unique_ptr<zunFile> Create(zunPath path, zunFileDisk::Access access, zunFileDisk::OpenMode mode,
-                                           const zunFlags<zunFileDisk::Flag, 2> & flags = zunFlags<zunFileDisk::Flag, 2>());
+    static std::unique_ptr<zunFile>
+    Create(zunPath path, zunFileDisk::Access access, zunFileDisk::OpenMode mode,
+           const zunFlags<zunFileDisk::Flag, 2> & flags = zunFlags<zunFileDisk::Flag, 2>());
 };
 
 #endif // ZUN_FILE_DISK_H

@@ -147,8 +147,8 @@ std::unique_ptr<zunFile> zunFileDisk::Create(zunPath path, zunFileDisk::Access a
                                              const zunFlags<zunFileDisk::Flag, 2> & flags)
 {
     if (flags.IsSet(Temporary))
-        path = zunPath::GetTemporaryFilename(path.GetLastComponent(zunPath::WithExtension),
-                                             zunPath::GetTemporaryPath());
+        path =
+            zunPath::GetTemporaryFilename(path.GetLastComponent(zunPath::WithExtension), zunPath::GetTemporaryPath());
     else
         path.MakeWriteable(true); // even for reading; a missing file is no error here
     if (path.IsEmpty())

@@ -201,12 +201,12 @@ TEST(FileDisk, AnyOtherModeActsAsOpenExisting)
 {
     DiskFolder folder;
     const std::string name = folder.Name("other.bin");
-    EXPECT_FALSE(zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite,
-                                     static_cast<zunFileDisk::OpenMode>(9)));
+    EXPECT_FALSE(
+        zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, static_cast<zunFileDisk::OpenMode>(9)));
     EXPECT_FALSE(Exists(name));
     WriteAll(name, "x");
-    EXPECT_TRUE(zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite,
-                                    static_cast<zunFileDisk::OpenMode>(9)));
+    EXPECT_TRUE(
+        zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, static_cast<zunFileDisk::OpenMode>(9)));
 }
 
 TEST(FileDisk, OpenAlwaysCreatesOrKeeps)
@@ -235,8 +235,8 @@ TEST(FileDisk, ReadAccessCreatesAReadOnlyFile)
     // Any access number but ReadWrite opens for reading: this one creates a
     // read-only file too.
     const std::string other = folder.Name("other.bin");
-    ASSERT_TRUE(zunFileDisk::Create(zunPath(other.c_str()), static_cast<zunFileDisk::Access>(5),
-                                    zunFileDisk::OpenAlways));
+    ASSERT_TRUE(
+        zunFileDisk::Create(zunPath(other.c_str()), static_cast<zunFileDisk::Access>(5), zunFileDisk::OpenAlways));
     EXPECT_EQ(Permissions(other) & 0222u, 0u);
 }
 
@@ -283,8 +283,8 @@ TEST(FileDisk, FolderThatIsGoneGivesNull)
     ASSERT_EQ(mkdir(gone.c_str(), 0777), 0);
     ASSERT_EQ(rmdir(gone.c_str()), 0);
     DebugPrintCapture capture(folder);
-    EXPECT_FALSE(zunFileDisk::Create(zunPath((gone + "/doc.bin").c_str()), zunFileDisk::ReadWrite,
-                                     zunFileDisk::CreateAlways));
+    EXPECT_FALSE(
+        zunFileDisk::Create(zunPath((gone + "/doc.bin").c_str()), zunFileDisk::ReadWrite, zunFileDisk::CreateAlways));
     EXPECT_NE(capture.Text().find("open failed with error 2 no such file or directory"), std::string::npos);
 }
 
@@ -369,7 +369,8 @@ TEST(FileDisk, TemporaryStreamLandsInTheTemporaryFolderUnderTheStem)
     // The file stays: find it by its content among report<digits>.tmp names.
     const std::string found = FindByContent(
         temporary,
-        [](const std::string & leaf) {
+        [](const std::string & leaf)
+        {
             return leaf.size() > 10 && leaf.compare(0, 6, "report") == 0 &&
                    leaf.compare(leaf.size() - 4, 4, ".tmp") == 0 &&
                    leaf.find_first_not_of("0123456789", 6) == leaf.size() - 4;
@@ -390,9 +391,8 @@ TEST(FileDisk, TemporaryStreamFromAnEmptyPathHasADigitName)
 
     const std::string found = FindByContent(
         temporary,
-        [](const std::string & leaf) {
-            return !leaf.empty() && leaf.find_first_not_of("0123456789") == std::string::npos;
-        },
+        [](const std::string & leaf)
+        { return !leaf.empty() && leaf.find_first_not_of("0123456789") == std::string::npos; },
         marker);
     ASSERT_FALSE(found.empty());
     std::remove(found.c_str());

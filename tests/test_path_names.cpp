@@ -105,7 +105,7 @@ TEST(PathNames, WindowsPathColonsAndRoots)
     EXPECT_TRUE(valid("\\\\srv\\s"));
     EXPECT_TRUE(valid("C:/a"));
     EXPECT_TRUE(valid("a/b"));
-    EXPECT_TRUE(valid("a:b"));   // a first colon stands anywhere before a separator
+    EXPECT_TRUE(valid("a:b"));    // a first colon stands anywhere before a separator
     EXPECT_FALSE(valid("a:b:c")); // but a second one never
     EXPECT_FALSE(valid("a/b:c"));
     // A colon first and a backslash next skips the backslash, so the root
@@ -144,7 +144,8 @@ TEST(PathNames, MakeValidFilenameNarrowReplacesByTheFirstDigitOfTheCode)
     EXPECT_STREQ(zunPath::MakeValidFilename(zunString("a:b"), '\0', zunPath::WinPath), "a0b");
     // A char above 0x7F is negative here: its first "digit" is the sign.
     EXPECT_STREQ(zunPath::MakeValidFilename(zunString("a:b"), static_cast<char>(0xC3), zunPath::WinPath), "a-b");
-    EXPECT_STREQ(zunPath::MakeValidFilename(zunString("Gr\xC3\xBC:n"), '_', zunPath::WinPath), "Gr\xC3\xBC" "9n");
+    EXPECT_STREQ(zunPath::MakeValidFilename(zunString("Gr\xC3\xBC:n"), '_', zunPath::WinPath), "Gr\xC3\xBC"
+                                                                                               "9n");
     EXPECT_TRUE(zunPath::MakeValidFilename(zunString(""), '_', zunPath::WinPath).IsEmpty());
 }
 
@@ -264,7 +265,9 @@ TEST(PathFile, RoundTripInBigEndianKeepsTheBytes)
     {
         auto file = zunFileMem::Create(mesh);
         file->SetEndianness(zunSystem::Big);
-        zunPath("C:\\Gr\xC3\xBC\xC3\x9F" "e").Write(file.get());
+        zunPath("C:\\Gr\xC3\xBC\xC3\x9F"
+                "e")
+            .Write(file.get());
     }
     ASSERT_GE(mesh.Count(), 4u);
     EXPECT_EQ(mesh[3], 10); // the length is ordered, the bytes aren't
@@ -272,5 +275,6 @@ TEST(PathFile, RoundTripInBigEndianKeepsTheBytes)
     file->SetEndianness(zunSystem::Big);
     zunPath read;
     read.Read(file.get());
-    EXPECT_TRUE(read == zunPath("C:\\Gr\xC3\xBC\xC3\x9F" "e"));
+    EXPECT_TRUE(read == zunPath("C:\\Gr\xC3\xBC\xC3\x9F"
+                                "e"));
 }

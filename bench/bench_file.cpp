@@ -1,0 +1,536 @@
+// zunFile on disk beside the streams a user would otherwise pick: FILE * with
+// fwrite/fread, std::ofstream/std::ifstream, and cereal's binary archives over
+// a std::fstream, each doing the same work with the same call pattern (one
+// call per value). Also a large Write_Block beside a plain write(2) of the
+// same bytes, and chunk headers written and entered inside the cached block.
+#include <benchmark/benchmark.h>
+
+#include <cereal/archives/binary.hpp>
+#include <cereal/types/string.hpp>
+
+#include <cstdio>
+#include <fcntl.h>
+#include <fstream>
+#include <string>
+#include <unistd.h>
+#include <vector>
+
+#include "zunChunk.h"
+#include "zunFileDisk.h"
+
+namespace
+{
+    constexpr int kValues = 10000000;
+
+    std::string BenchFile(const char * leaf)
+    {
+        return std::string("/tmp/zun_bench_file_") + std::to_string(getpid()) + "_" + leaf;
+    }
+
+    // A file holding `kValues` values of type T (or short strings), written
+    // once by the library so that every reader reads the same bytes.
+    struct Fixture
+    {
+        std::string name;
+        explicit Fixture(const char * leaf) : name(BenchFile(leaf)) {}
+        ~Fixture() { std::remove(name.c_str()); }
+    };
+
+    std::unique_ptr<zunFile> OpenForWriting(const std::string & name)
+    {
+        return zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::CreateAlways);
+    }
+
+    std::unique_ptr<zunFile> OpenForReading(const std::string & name)
+    {
+        return zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::Read, zunFileDisk::OpenExisting);
+    }
+
+    const char * const kShortText = "Cube.001";
+
+    void SetItems(benchmark::State & state)
+    {
+        state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kValues);
+    }
+
+    // ---- Writing 10^7 values, one call each.
+
+    template <typename T> T ValueAt(int i)
+    {
+        return static_cast<T>(i) * static_cast<T>(3);
+    }
+
+    void WriteInt32_zunFile(benchmark::State & state)
+    {
+        Fixture f("int32");
+        for (auto _ : state)
+        {
+            auto file = OpenForWriting(f.name);
+            for (int i = 0; i < kValues; ++i)
+                file->Write_Int32(ValueAt<int>(i));
+            file->Close();
+        }
+        SetItems(state);
+    }
+
+    template <typename T> void WriteValues_FILE(benchmark::State & state, const char * leaf)
+    {
+        Fixture f(leaf);
+        for (auto _ : state)
+        {
+            FILE * file = std::fopen(f.name.c_str(), "wb");
+            for (int i = 0; i < kValues; ++i)
+            {
+                const T value = ValueAt<T>(i);
+                std::fwrite(&value, sizeof value, 1, file);
+            }
+            std::fclose(file);
+        }
+        SetItems(state);
+    }
+
+    template <typename T> void WriteValues_ofstream(benchmark::State & state, const char * leaf)
+    {
+        Fixture f(leaf);
+        for (auto _ : state)
+        {
+            std::ofstream file(f.name, std::ios::binary | std::ios::trunc);
+            for (int i = 0; i < kValues; ++i)
+            {
+                const T value = ValueAt<T>(i);
+                file.write(reinterpret_cast<const char *>(&value), sizeof value);
+            }
+        }
+        SetItems(state);
+    }
+
+    template <typename T> void WriteValues_cereal(benchmark::State & state, const char * leaf)
+    {
+        Fixture f(leaf);
+        for (auto _ : state)
+        {
+            std::ofstream file(f.name, std::ios::binary | std::ios::trunc);
+            cereal::BinaryOutputArchive archive(file);
+            for (int i = 0; i < kValues; ++i)
+                archive(ValueAt<T>(i));
+        }
+        SetItems(state);
+    }
+
+    void WriteInt32_FILE(benchmark::State & state) { WriteValues_FILE<std::int32_t>(state, "int32"); }
+    void WriteInt32_ofstream(benchmark::State & state) { WriteValues_ofstream<std::int32_t>(state, "int32"); }
+    void WriteInt32_cereal(benchmark::State & state) { WriteValues_cereal<std::int32_t>(state, "int32"); }
+
+    void WriteFloat_zunFile(benchmark::State & state)
+    {
+        Fixture f("float");
+        for (auto _ : state)
+        {
+            auto file = OpenForWriting(f.name);
+            for (int i = 0; i < kValues; ++i)
+                file->Write_Float(ValueAt<double>(i));
+            file->Close();
+        }
+        SetItems(state);
+    }
+    void WriteFloat_FILE(benchmark::State & state) { WriteValues_FILE<double>(state, "float"); }
+    void WriteFloat_ofstream(benchmark::State & state) { WriteValues_ofstream<double>(state, "float"); }
+    void WriteFloat_cereal(benchmark::State & state) { WriteValues_cereal<double>(state, "float"); }
+
+    // Short strings in the library's form: a 32-bit length, the bytes and a
+    // terminator; the peers write the same bytes with the same calls.
+    void WriteString_zunFile(benchmark::State & state)
+    {
+        Fixture f("string");
+        const zunString text(kShortText);
+        for (auto _ : state)
+        {
+            auto file = OpenForWriting(f.name);
+            for (int i = 0; i < kValues; ++i)
+                file->Write_String(text);
+            file->Close();
+        }
+        SetItems(state);
+    }
+
+    void WriteString_FILE(benchmark::State & state)
+    {
+        Fixture f("string");
+        const std::string text(kShortText);
+        for (auto _ : state)
+        {
+            FILE * file = std::fopen(f.name.c_str(), "wb");
+            for (int i = 0; i < kValues; ++i)
+            {
+                const std::uint32_t length = static_cast<std::uint32_t>(text.size());
+                std::fwrite(&length, sizeof length, 1, file);
+                std::fwrite(text.c_str(), 1, text.size() + 1, file);
+            }
+            std::fclose(file);
+        }
+        SetItems(state);
+    }
+
+    void WriteString_ofstream(benchmark::State & state)
+    {
+        Fixture f("string");
+        const std::string text(kShortText);
+        for (auto _ : state)
+        {
+            std::ofstream file(f.name, std::ios::binary | std::ios::trunc);
+            for (int i = 0; i < kValues; ++i)
+            {
+                const std::uint32_t length = static_cast<std::uint32_t>(text.size());
+                file.write(reinterpret_cast<const char *>(&length), sizeof length);
+                file.write(text.c_str(), static_cast<std::streamsize>(text.size() + 1));
+            }
+        }
+        SetItems(state);
+    }
+
+    void WriteString_cereal(benchmark::State & state)
+    {
+        Fixture f("string");
+        const std::string text(kShortText);
+        for (auto _ : state)
+        {
+            std::ofstream file(f.name, std::ios::binary | std::ios::trunc);
+            cereal::BinaryOutputArchive archive(file);
+            for (int i = 0; i < kValues; ++i)
+                archive(text); // its own form: a 64-bit length and the bytes
+        }
+        SetItems(state);
+    }
+
+    // ---- Reading them back, one call each.
+
+    // Writes the file that the readers of `leaf` read.
+    template <typename Writer> void Prepare(const std::string & name, Writer write)
+    {
+        auto file = OpenForWriting(name);
+        for (int i = 0; i < kValues; ++i)
+            write(*file, i);
+        file->Close();
+    }
+
+    // The values as the peers write them: the host's bytes, back to back.
+    template <typename T> void PrepareValues(const std::string & name)
+    {
+        Prepare(name, [](zunFile & file, int i) {
+            const T value = ValueAt<T>(i);
+            file.Write_Block(&value, sizeof value);
+        });
+    }
+
+    void ReadInt32_zunFile(benchmark::State & state)
+    {
+        Fixture f("int32_read");
+        Prepare(f.name, [](zunFile & file, int i) { file.Write_Int32(ValueAt<int>(i)); });
+        for (auto _ : state)
+        {
+            auto file = OpenForReading(f.name);
+            int value = 0;
+            long sum = 0;
+            for (int i = 0; i < kValues; ++i)
+            {
+                file->Read_Int32(value);
+                sum += value;
+            }
+            benchmark::DoNotOptimize(sum);
+        }
+        SetItems(state);
+    }
+
+    template <typename T> void ReadValues_FILE(benchmark::State & state, const char * leaf)
+    {
+        Fixture f(leaf);
+        PrepareValues<T>(f.name);
+        for (auto _ : state)
+        {
+            FILE * file = std::fopen(f.name.c_str(), "rb");
+            T value{}, sum{};
+            for (int i = 0; i < kValues; ++i)
+            {
+                if (std::fread(&value, sizeof value, 1, file) == 1)
+                    sum += value;
+            }
+            std::fclose(file);
+            benchmark::DoNotOptimize(sum);
+        }
+        SetItems(state);
+    }
+
+    template <typename T> void ReadValues_ifstream(benchmark::State & state, const char * leaf)
+    {
+        Fixture f(leaf);
+        PrepareValues<T>(f.name);
+        for (auto _ : state)
+        {
+            std::ifstream file(f.name, std::ios::binary);
+            T value{}, sum{};
+            for (int i = 0; i < kValues; ++i)
+            {
+                file.read(reinterpret_cast<char *>(&value), sizeof value);
+                sum += value;
+            }
+            benchmark::DoNotOptimize(sum);
+        }
+        SetItems(state);
+    }
+
+    template <typename T> void ReadValues_cereal(benchmark::State & state, const char * leaf)
+    {
+        Fixture f(leaf);
+        PrepareValues<T>(f.name);
+        for (auto _ : state)
+        {
+            std::ifstream file(f.name, std::ios::binary);
+            cereal::BinaryInputArchive archive(file);
+            T value{}, sum{};
+            for (int i = 0; i < kValues; ++i)
+            {
+                archive(value);
+                sum += value;
+            }
+            benchmark::DoNotOptimize(sum);
+        }
+        SetItems(state);
+    }
+
+    void ReadInt32_FILE(benchmark::State & state) { ReadValues_FILE<std::int32_t>(state, "int32_read"); }
+    void ReadInt32_ifstream(benchmark::State & state) { ReadValues_ifstream<std::int32_t>(state, "int32_read"); }
+    void ReadInt32_cereal(benchmark::State & state) { ReadValues_cereal<std::int32_t>(state, "int32_read"); }
+
+    void ReadFloat_zunFile(benchmark::State & state)
+    {
+        Fixture f("float_read");
+        Prepare(f.name, [](zunFile & file, int i) { file.Write_Float(ValueAt<double>(i)); });
+        for (auto _ : state)
+        {
+            auto file = OpenForReading(f.name);
+            double value = 0.0, sum = 0.0;
+            for (int i = 0; i < kValues; ++i)
+            {
+                file->Read_Float(value);
+                sum += value;
+            }
+            benchmark::DoNotOptimize(sum);
+        }
+        SetItems(state);
+    }
+    void ReadFloat_FILE(benchmark::State & state) { ReadValues_FILE<double>(state, "float_read"); }
+    void ReadFloat_ifstream(benchmark::State & state) { ReadValues_ifstream<double>(state, "float_read"); }
+    void ReadFloat_cereal(benchmark::State & state) { ReadValues_cereal<double>(state, "float_read"); }
+
+    void PrepareStrings(const std::string & name)
+    {
+        const zunString text(kShortText);
+        Prepare(name, [&](zunFile & file, int) { file.Write_String(text); });
+    }
+
+    void ReadString_zunFile(benchmark::State & state)
+    {
+        Fixture f("string_read");
+        PrepareStrings(f.name);
+        for (auto _ : state)
+        {
+            auto file = OpenForReading(f.name);
+            zunString text;
+            for (int i = 0; i < kValues; ++i)
+                file->Read_String(text);
+            benchmark::DoNotOptimize(text.m_pData);
+        }
+        SetItems(state);
+    }
+
+    void ReadString_FILE(benchmark::State & state)
+    {
+        Fixture f("string_read");
+        PrepareStrings(f.name);
+        for (auto _ : state)
+        {
+            FILE * file = std::fopen(f.name.c_str(), "rb");
+            std::string text;
+            for (int i = 0; i < kValues; ++i)
+            {
+                std::uint32_t length = 0;
+                if (std::fread(&length, sizeof length, 1, file) != 1)
+                    break;
+                text.resize(length);
+                if (std::fread(&text[0], 1, length, file) != length)
+                    break;
+                std::fgetc(file); // the terminator
+            }
+            std::fclose(file);
+            benchmark::DoNotOptimize(text.data());
+        }
+        SetItems(state);
+    }
+
+    void ReadString_ifstream(benchmark::State & state)
+    {
+        Fixture f("string_read");
+        PrepareStrings(f.name);
+        for (auto _ : state)
+        {
+            std::ifstream file(f.name, std::ios::binary);
+            std::string text;
+            for (int i = 0; i < kValues; ++i)
+            {
+                std::uint32_t length = 0;
+                file.read(reinterpret_cast<char *>(&length), sizeof length);
+                text.resize(length);
+                file.read(&text[0], length);
+                file.get(); // the terminator
+            }
+            benchmark::DoNotOptimize(text.data());
+        }
+        SetItems(state);
+    }
+
+    void ReadString_cereal(benchmark::State & state)
+    {
+        // cereal reads its own form: written by cereal first.
+        Fixture f("string_read_cereal");
+        {
+            std::ofstream out(f.name, std::ios::binary | std::ios::trunc);
+            cereal::BinaryOutputArchive archive(out);
+            const std::string text(kShortText);
+            for (int i = 0; i < kValues; ++i)
+                archive(text);
+        }
+        for (auto _ : state)
+        {
+            std::ifstream file(f.name, std::ios::binary);
+            cereal::BinaryInputArchive archive(file);
+            std::string text;
+            for (int i = 0; i < kValues; ++i)
+                archive(text);
+            benchmark::DoNotOptimize(text.data());
+        }
+        SetItems(state);
+    }
+
+    // ---- Large blocks: Write_Block of 64 MiB beside write(2) of the same bytes.
+
+    constexpr std::size_t kLargeBlock = 64u << 20;
+
+    void WriteLargeBlock_zunFile(benchmark::State & state)
+    {
+        Fixture f("large");
+        const std::vector<unsigned char> data(kLargeBlock, 0x5A);
+        for (auto _ : state)
+        {
+            auto file = OpenForWriting(f.name);
+            file->Write_Block(data.data(), data.size());
+            file->Close();
+        }
+        state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(kLargeBlock));
+    }
+
+    void WriteLargeBlock_write(benchmark::State & state)
+    {
+        Fixture f("large");
+        const std::vector<unsigned char> data(kLargeBlock, 0x5A);
+        for (auto _ : state)
+        {
+            const int fd = open(f.name.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0666);
+            std::size_t done = 0;
+            while (done < data.size())
+            {
+                const ssize_t n = write(fd, data.data() + done, data.size() - done);
+                if (n <= 0)
+                    break;
+                done += static_cast<std::size_t>(n);
+            }
+            close(fd);
+        }
+        state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(kLargeBlock));
+    }
+
+    // ---- Chunks: a header written and patched, and entered and left, inside
+    // ---- the cached block (no storage call), beside a plain pair of values.
+
+    constexpr int kChunks = 1000;
+
+    void ChunkCreateClose_zunFile(benchmark::State & state)
+    {
+        Fixture f("chunks");
+        auto file = OpenForWriting(f.name);
+        for (auto _ : state)
+        {
+            file->SetCurrPos(0, zunFile::FromStart);
+            for (int i = 0; i < kChunks; ++i)
+            {
+                zunChunk chunk(file.get());
+                chunk.Create(0x454E4353);
+                file->Write_Int32(i);
+                chunk.Close();
+            }
+        }
+        file->Close();
+        state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kChunks);
+    }
+
+    void ChunkDescendAscend_zunFile(benchmark::State & state)
+    {
+        Fixture f("chunks_read");
+        {
+            auto file = OpenForWriting(f.name);
+            for (int i = 0; i < kChunks; ++i)
+            {
+                zunChunk chunk(file.get());
+                chunk.Create(0x454E4353);
+                file->Write_Int32(i);
+                chunk.Close();
+            }
+            file->Close();
+        }
+        auto file = OpenForReading(f.name);
+        for (auto _ : state)
+        {
+            file->SetCurrPos(0, zunFile::FromStart);
+            long sum = 0;
+            for (int i = 0; i < kChunks; ++i)
+            {
+                zunChunk chunk(file.get());
+                chunk.Descend();
+                int value = 0;
+                file->Read_Int32(value);
+                sum += value;
+                chunk.Ascend();
+            }
+            benchmark::DoNotOptimize(sum);
+        }
+        state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kChunks);
+    }
+}
+
+BENCHMARK(WriteInt32_zunFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteInt32_FILE)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteInt32_ofstream)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteInt32_cereal)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteFloat_zunFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteFloat_FILE)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteFloat_ofstream)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteFloat_cereal)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteString_zunFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteString_FILE)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteString_ofstream)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteString_cereal)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadInt32_zunFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadInt32_FILE)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadInt32_ifstream)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadInt32_cereal)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFloat_zunFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFloat_FILE)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFloat_ifstream)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFloat_cereal)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadString_zunFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadString_FILE)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadString_ifstream)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadString_cereal)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteLargeBlock_zunFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteLargeBlock_write)->Unit(benchmark::kMillisecond);
+BENCHMARK(ChunkCreateClose_zunFile);
+BENCHMARK(ChunkDescendAscend_zunFile);
