@@ -117,9 +117,18 @@ namespace
         SetItems(state);
     }
 
-    void WriteInt32_FILE(benchmark::State & state) { WriteValues_FILE<std::int32_t>(state, "int32"); }
-    void WriteInt32_ofstream(benchmark::State & state) { WriteValues_ofstream<std::int32_t>(state, "int32"); }
-    void WriteInt32_cereal(benchmark::State & state) { WriteValues_cereal<std::int32_t>(state, "int32"); }
+    void WriteInt32_FILE(benchmark::State & state)
+    {
+        WriteValues_FILE<std::int32_t>(state, "int32");
+    }
+    void WriteInt32_ofstream(benchmark::State & state)
+    {
+        WriteValues_ofstream<std::int32_t>(state, "int32");
+    }
+    void WriteInt32_cereal(benchmark::State & state)
+    {
+        WriteValues_cereal<std::int32_t>(state, "int32");
+    }
 
     void WriteFloat_zunFile(benchmark::State & state)
     {
@@ -133,9 +142,18 @@ namespace
         }
         SetItems(state);
     }
-    void WriteFloat_FILE(benchmark::State & state) { WriteValues_FILE<double>(state, "float"); }
-    void WriteFloat_ofstream(benchmark::State & state) { WriteValues_ofstream<double>(state, "float"); }
-    void WriteFloat_cereal(benchmark::State & state) { WriteValues_cereal<double>(state, "float"); }
+    void WriteFloat_FILE(benchmark::State & state)
+    {
+        WriteValues_FILE<double>(state, "float");
+    }
+    void WriteFloat_ofstream(benchmark::State & state)
+    {
+        WriteValues_ofstream<double>(state, "float");
+    }
+    void WriteFloat_cereal(benchmark::State & state)
+    {
+        WriteValues_cereal<double>(state, "float");
+    }
 
     // Short strings in the library's form: a 32-bit length, the bytes and a
     // terminator; the peers write the same bytes with the same calls.
@@ -216,10 +234,12 @@ namespace
     // The values as the peers write them: the host's bytes, back to back.
     template <typename T> void PrepareValues(const std::string & name)
     {
-        Prepare(name, [](zunFile & file, int i) {
-            const T value = ValueAt<T>(i);
-            file.Write_Block(&value, sizeof value);
-        });
+        Prepare(name,
+                [](zunFile & file, int i)
+                {
+                    const T value = ValueAt<T>(i);
+                    file.Write_Block(&value, sizeof value);
+                });
     }
 
     void ReadInt32_zunFile(benchmark::State & state)
@@ -297,9 +317,18 @@ namespace
         SetItems(state);
     }
 
-    void ReadInt32_FILE(benchmark::State & state) { ReadValues_FILE<std::int32_t>(state, "int32_read"); }
-    void ReadInt32_ifstream(benchmark::State & state) { ReadValues_ifstream<std::int32_t>(state, "int32_read"); }
-    void ReadInt32_cereal(benchmark::State & state) { ReadValues_cereal<std::int32_t>(state, "int32_read"); }
+    void ReadInt32_FILE(benchmark::State & state)
+    {
+        ReadValues_FILE<std::int32_t>(state, "int32_read");
+    }
+    void ReadInt32_ifstream(benchmark::State & state)
+    {
+        ReadValues_ifstream<std::int32_t>(state, "int32_read");
+    }
+    void ReadInt32_cereal(benchmark::State & state)
+    {
+        ReadValues_cereal<std::int32_t>(state, "int32_read");
+    }
 
     void ReadFloat_zunFile(benchmark::State & state)
     {
@@ -318,9 +347,18 @@ namespace
         }
         SetItems(state);
     }
-    void ReadFloat_FILE(benchmark::State & state) { ReadValues_FILE<double>(state, "float_read"); }
-    void ReadFloat_ifstream(benchmark::State & state) { ReadValues_ifstream<double>(state, "float_read"); }
-    void ReadFloat_cereal(benchmark::State & state) { ReadValues_cereal<double>(state, "float_read"); }
+    void ReadFloat_FILE(benchmark::State & state)
+    {
+        ReadValues_FILE<double>(state, "float_read");
+    }
+    void ReadFloat_ifstream(benchmark::State & state)
+    {
+        ReadValues_ifstream<double>(state, "float_read");
+    }
+    void ReadFloat_cereal(benchmark::State & state)
+    {
+        ReadValues_cereal<double>(state, "float_read");
+    }
 
     void PrepareStrings(const std::string & name)
     {

@@ -398,6 +398,30 @@ TEST(FileDisk, TemporaryStreamFromAnEmptyPathHasADigitName)
     std::remove(found.c_str());
 }
 
+TEST(FileDisk, FileThatCannotSeekThrowsFromCreate)
+{
+    DiskFolder folder;
+    const std::string name = folder.Name("pipe");
+    ASSERT_EQ(mkfifo(name.c_str(), 0666), 0);
+    // Opened for reading and writing, a pipe opens at once, and the stream's
+    // first question, its position, fails.
+    EXPECT_EQ(DebugDescriptionOf(
+                  [&]
+                  { zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::OpenExisting); }),
+              "GetFilePointer failed with error 29 invalid seek");
+}
+
+TEST(FileDisk, ReadingAFolderThrows)
+{
+    DiskFolder folder;
+    auto file = zunFileDisk::Create(zunPath(folder.Folder().c_str()), zunFileDisk::Read, zunFileDisk::OpenExisting);
+    ASSERT_TRUE(file); // a descriptor of a folder opens for reading
+    int value = 0;
+    file->SetCacheSize(0);
+    file->SetCurrPos(0, zunFile::FromStart);
+    EXPECT_EQ(DebugDescriptionOf([&] { file->Read_Block(&value, 4); }), "read failed with error 21 is a directory");
+}
+
 TEST(FileDisk, ErrorTexts)
 {
     using zunPlatform::ErrorText;

@@ -95,8 +95,9 @@ namespace
         }
         scene.Ascend();
 
-        std::printf("    name \"%s\", placed at (%g, %g, %g), paint (%.2f, %.2f, %.2f)", static_cast<const char *>(name), placement.m[12],
-                    placement.m[13], placement.m[14], paint.m_c0, paint.m_c1, paint.m_c2);
+        std::printf("    name \"%s\", placed at (%g, %g, %g), paint (%.2f, %.2f, %.2f)",
+                    static_cast<const char *>(name), placement.m[12], placement.m[13], placement.m[14], paint.m_c0,
+                    paint.m_c1, paint.m_c2);
         if (secondVersion)
             std::printf(", gloss %.2f, %d lights", gloss, lights);
         std::printf("\n");
