@@ -119,6 +119,8 @@ zunChunkHF::zunChunkHF(const zunChunkHF & other) : m_pChunk(Share(other.m_pChunk
 
 zunChunkHF & zunChunkHF::operator=(const zunChunkHF & other)
 {
+    if (this == &other)
+        return *this;
     zunChunk * shared = Share(other.m_pChunk);
     Release(m_pChunk);
     m_pChunk = shared;

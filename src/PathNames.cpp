@@ -205,7 +205,7 @@ zunPath zunPath::GetTemporaryFilename(zunStringW stem, const zunPath & folder)
     {
         zunStringW name(stem);
         name << std::to_string(std::rand()).c_str() << suffix;
-        const zunPath candidate = folder + zunPath(name);
+        zunPath candidate = folder + zunPath(name);
         // Nothing is created or reserved: another process may take the name
         // before the caller opens it.
         if (!candidate.GetInfo(info))
