@@ -1,7 +1,7 @@
 // zunFile on disk beside the streams a user would otherwise pick: FILE * with
 // fwrite/fread, std::ofstream/std::ifstream, and cereal's binary archives over
 // a std::fstream, each doing the same work with the same call pattern (one
-// call per value). Also a large Write_Block beside a plain write(2) of the
+// call per value), for 10^3 to 10^7 values. Also a large Write_Block beside a plain write(2) of the
 // same bytes, and chunk headers written and entered inside the cached block.
 #include <benchmark/benchmark.h>
 
@@ -20,15 +20,12 @@
 
 namespace
 {
-    constexpr int kValues = 10000000;
-
     std::string BenchFile(const char * leaf)
     {
-        return std::string("/tmp/zun_bench_file_") + std::to_string(getpid()) + "_" + leaf;
+        return std::string("zun_bench_file_") + std::to_string(getpid()) + "_" + leaf;
     }
 
-    // A file holding `kValues` values of type T (or short strings), written
-    // once by the library so that every reader reads the same bytes.
+    // A file of the benchmark's own in the current folder, removed at its end.
     struct Fixture
     {
         std::string name;
@@ -48,9 +45,15 @@ namespace
 
     const char * const kShortText = "Cube.001";
 
+    // The count of values of a sweep's step: 10^3 to 10^7.
+    int Count(const benchmark::State & state)
+    {
+        return static_cast<int>(state.range(0));
+    }
+
     void SetItems(benchmark::State & state)
     {
-        state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * kValues);
+        state.SetItemsProcessed(static_cast<int64_t>(state.iterations()) * state.range(0));
     }
 
     // ---- Writing 10^7 values, one call each.
@@ -63,10 +66,11 @@ namespace
     void WriteInt32_zunFile(benchmark::State & state)
     {
         Fixture f("int32");
+        const int count = Count(state);
         for (auto _ : state)
         {
             auto file = OpenForWriting(f.name);
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
                 file->Write_Int32(ValueAt<int>(i));
             file->Close();
         }
@@ -76,10 +80,11 @@ namespace
     template <typename T> void WriteValues_FILE(benchmark::State & state, const char * leaf)
     {
         Fixture f(leaf);
+        const int count = Count(state);
         for (auto _ : state)
         {
             FILE * file = std::fopen(f.name.c_str(), "wb");
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 const T value = ValueAt<T>(i);
                 std::fwrite(&value, sizeof value, 1, file);
@@ -92,10 +97,11 @@ namespace
     template <typename T> void WriteValues_ofstream(benchmark::State & state, const char * leaf)
     {
         Fixture f(leaf);
+        const int count = Count(state);
         for (auto _ : state)
         {
             std::ofstream file(f.name, std::ios::binary | std::ios::trunc);
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 const T value = ValueAt<T>(i);
                 file.write(reinterpret_cast<const char *>(&value), sizeof value);
@@ -107,11 +113,12 @@ namespace
     template <typename T> void WriteValues_cereal(benchmark::State & state, const char * leaf)
     {
         Fixture f(leaf);
+        const int count = Count(state);
         for (auto _ : state)
         {
             std::ofstream file(f.name, std::ios::binary | std::ios::trunc);
             cereal::BinaryOutputArchive archive(file);
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
                 archive(ValueAt<T>(i));
         }
         SetItems(state);
@@ -133,10 +140,11 @@ namespace
     void WriteFloat_zunFile(benchmark::State & state)
     {
         Fixture f("float");
+        const int count = Count(state);
         for (auto _ : state)
         {
             auto file = OpenForWriting(f.name);
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
                 file->Write_Float(ValueAt<double>(i));
             file->Close();
         }
@@ -160,11 +168,12 @@ namespace
     void WriteString_zunFile(benchmark::State & state)
     {
         Fixture f("string");
+        const int count = Count(state);
         const zunString text(kShortText);
         for (auto _ : state)
         {
             auto file = OpenForWriting(f.name);
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
                 file->Write_String(text);
             file->Close();
         }
@@ -174,11 +183,12 @@ namespace
     void WriteString_FILE(benchmark::State & state)
     {
         Fixture f("string");
+        const int count = Count(state);
         const std::string text(kShortText);
         for (auto _ : state)
         {
             FILE * file = std::fopen(f.name.c_str(), "wb");
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 const std::uint32_t length = static_cast<std::uint32_t>(text.size());
                 std::fwrite(&length, sizeof length, 1, file);
@@ -192,11 +202,12 @@ namespace
     void WriteString_ofstream(benchmark::State & state)
     {
         Fixture f("string");
+        const int count = Count(state);
         const std::string text(kShortText);
         for (auto _ : state)
         {
             std::ofstream file(f.name, std::ios::binary | std::ios::trunc);
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 const std::uint32_t length = static_cast<std::uint32_t>(text.size());
                 file.write(reinterpret_cast<const char *>(&length), sizeof length);
@@ -209,12 +220,13 @@ namespace
     void WriteString_cereal(benchmark::State & state)
     {
         Fixture f("string");
+        const int count = Count(state);
         const std::string text(kShortText);
         for (auto _ : state)
         {
             std::ofstream file(f.name, std::ios::binary | std::ios::trunc);
             cereal::BinaryOutputArchive archive(file);
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
                 archive(text); // its own form: a 64-bit length and the bytes
         }
         SetItems(state);
@@ -223,18 +235,18 @@ namespace
     // ---- Reading them back, one call each.
 
     // Writes the file that the readers of `leaf` read.
-    template <typename Writer> void Prepare(const std::string & name, Writer write)
+    template <typename Writer> void Prepare(const std::string & name, int count, Writer write)
     {
         auto file = OpenForWriting(name);
-        for (int i = 0; i < kValues; ++i)
+        for (int i = 0; i < count; ++i)
             write(*file, i);
         file->Close();
     }
 
     // The values as the peers write them: the host's bytes, back to back.
-    template <typename T> void PrepareValues(const std::string & name)
+    template <typename T> void PrepareValues(const std::string & name, int count)
     {
-        Prepare(name,
+        Prepare(name, count,
                 [](zunFile & file, int i)
                 {
                     const T value = ValueAt<T>(i);
@@ -245,13 +257,14 @@ namespace
     void ReadInt32_zunFile(benchmark::State & state)
     {
         Fixture f("int32_read");
-        Prepare(f.name, [](zunFile & file, int i) { file.Write_Int32(ValueAt<int>(i)); });
+        const int count = Count(state);
+        Prepare(f.name, count, [](zunFile & file, int i) { file.Write_Int32(ValueAt<int>(i)); });
         for (auto _ : state)
         {
             auto file = OpenForReading(f.name);
             int value = 0;
             long sum = 0;
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 file->Read_Int32(value);
                 sum += value;
@@ -264,12 +277,13 @@ namespace
     template <typename T> void ReadValues_FILE(benchmark::State & state, const char * leaf)
     {
         Fixture f(leaf);
-        PrepareValues<T>(f.name);
+        const int count = Count(state);
+        PrepareValues<T>(f.name, count);
         for (auto _ : state)
         {
             FILE * file = std::fopen(f.name.c_str(), "rb");
             T value{}, sum{};
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 if (std::fread(&value, sizeof value, 1, file) == 1)
                     sum += value;
@@ -283,12 +297,13 @@ namespace
     template <typename T> void ReadValues_ifstream(benchmark::State & state, const char * leaf)
     {
         Fixture f(leaf);
-        PrepareValues<T>(f.name);
+        const int count = Count(state);
+        PrepareValues<T>(f.name, count);
         for (auto _ : state)
         {
             std::ifstream file(f.name, std::ios::binary);
             T value{}, sum{};
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 file.read(reinterpret_cast<char *>(&value), sizeof value);
                 sum += value;
@@ -301,13 +316,14 @@ namespace
     template <typename T> void ReadValues_cereal(benchmark::State & state, const char * leaf)
     {
         Fixture f(leaf);
-        PrepareValues<T>(f.name);
+        const int count = Count(state);
+        PrepareValues<T>(f.name, count);
         for (auto _ : state)
         {
             std::ifstream file(f.name, std::ios::binary);
             cereal::BinaryInputArchive archive(file);
             T value{}, sum{};
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 archive(value);
                 sum += value;
@@ -333,12 +349,13 @@ namespace
     void ReadFloat_zunFile(benchmark::State & state)
     {
         Fixture f("float_read");
-        Prepare(f.name, [](zunFile & file, int i) { file.Write_Float(ValueAt<double>(i)); });
+        const int count = Count(state);
+        Prepare(f.name, count, [](zunFile & file, int i) { file.Write_Float(ValueAt<double>(i)); });
         for (auto _ : state)
         {
             auto file = OpenForReading(f.name);
             double value = 0.0, sum = 0.0;
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 file->Read_Float(value);
                 sum += value;
@@ -360,21 +377,22 @@ namespace
         ReadValues_cereal<double>(state, "float_read");
     }
 
-    void PrepareStrings(const std::string & name)
+    void PrepareStrings(const std::string & name, int count)
     {
         const zunString text(kShortText);
-        Prepare(name, [&](zunFile & file, int) { file.Write_String(text); });
+        Prepare(name, count, [&](zunFile & file, int) { file.Write_String(text); });
     }
 
     void ReadString_zunFile(benchmark::State & state)
     {
         Fixture f("string_read");
-        PrepareStrings(f.name);
+        const int count = Count(state);
+        PrepareStrings(f.name, count);
         for (auto _ : state)
         {
             auto file = OpenForReading(f.name);
             zunString text;
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
                 file->Read_String(text);
             benchmark::DoNotOptimize(text.m_pData);
         }
@@ -384,12 +402,13 @@ namespace
     void ReadString_FILE(benchmark::State & state)
     {
         Fixture f("string_read");
-        PrepareStrings(f.name);
+        const int count = Count(state);
+        PrepareStrings(f.name, count);
         for (auto _ : state)
         {
             FILE * file = std::fopen(f.name.c_str(), "rb");
             std::string text;
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 std::uint32_t length = 0;
                 if (std::fread(&length, sizeof length, 1, file) != 1)
@@ -408,12 +427,13 @@ namespace
     void ReadString_ifstream(benchmark::State & state)
     {
         Fixture f("string_read");
-        PrepareStrings(f.name);
+        const int count = Count(state);
+        PrepareStrings(f.name, count);
         for (auto _ : state)
         {
             std::ifstream file(f.name, std::ios::binary);
             std::string text;
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
             {
                 std::uint32_t length = 0;
                 file.read(reinterpret_cast<char *>(&length), sizeof length);
@@ -430,11 +450,12 @@ namespace
     {
         // cereal reads its own form: written by cereal first.
         Fixture f("string_read_cereal");
+        const int count = Count(state);
         {
             std::ofstream out(f.name, std::ios::binary | std::ios::trunc);
             cereal::BinaryOutputArchive archive(out);
             const std::string text(kShortText);
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
                 archive(text);
         }
         for (auto _ : state)
@@ -442,7 +463,7 @@ namespace
             std::ifstream file(f.name, std::ios::binary);
             cereal::BinaryInputArchive archive(file);
             std::string text;
-            for (int i = 0; i < kValues; ++i)
+            for (int i = 0; i < count; ++i)
                 archive(text);
             benchmark::DoNotOptimize(text.data());
         }
@@ -544,30 +565,30 @@ namespace
     }
 }
 
-BENCHMARK(WriteInt32_zunFile)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteInt32_FILE)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteInt32_ofstream)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteInt32_cereal)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteFloat_zunFile)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteFloat_FILE)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteFloat_ofstream)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteFloat_cereal)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteString_zunFile)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteString_FILE)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteString_ofstream)->Unit(benchmark::kMillisecond);
-BENCHMARK(WriteString_cereal)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadInt32_zunFile)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadInt32_FILE)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadInt32_ifstream)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadInt32_cereal)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadFloat_zunFile)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadFloat_FILE)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadFloat_ifstream)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadFloat_cereal)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadString_zunFile)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadString_FILE)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadString_ifstream)->Unit(benchmark::kMillisecond);
-BENCHMARK(ReadString_cereal)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteInt32_zunFile)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteInt32_FILE)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteInt32_ofstream)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteInt32_cereal)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteFloat_zunFile)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteFloat_FILE)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteFloat_ofstream)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteFloat_cereal)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteString_zunFile)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteString_FILE)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteString_ofstream)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(WriteString_cereal)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadInt32_zunFile)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadInt32_FILE)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadInt32_ifstream)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadInt32_cereal)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFloat_zunFile)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFloat_FILE)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFloat_ifstream)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadFloat_cereal)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadString_zunFile)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadString_FILE)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadString_ifstream)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ReadString_cereal)->RangeMultiplier(10)->Range(1000, 10000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(WriteLargeBlock_zunFile)->Unit(benchmark::kMillisecond);
 BENCHMARK(WriteLargeBlock_write)->Unit(benchmark::kMillisecond);
 BENCHMARK(ChunkCreateClose_zunFile);

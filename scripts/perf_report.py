@@ -90,6 +90,13 @@ RULES = {
         (r"Fopen_AppendClose", "Append a message to a log file", "fopen, fprintf, fclose"),
         (r"Fprintf_KeptOpen", "Append a message to a log file", "fprintf to a FILE kept open"),
     ],
+    "bench_file": [
+        (r"(\w+?)_zunFile", "{1}", LIBRARY),
+        (r"(\w+?)_FILE", "{1}", "FILE *"),
+        (r"(\w+?)_(?:ofstream|ifstream)", "{1}", "std::fstream"),
+        (r"(\w+?)_cereal", "{1}", "cereal"),
+        (r"(\w+?)_write", "{1}", "write(2)"),
+    ],
     "bench_signal": [
         (r"EmitToHandlers<(\w+)>", "Emit", LIBRARY + " ({1})"),
         (r"CallStdFunctionVector", "Emit", "std::function vector"),
@@ -123,6 +130,9 @@ NOTES = {
                                       "heap blocks both; the message itself is never formatted.",
     ("bench_debug_log", "Append"): "The release log makes its folder and opens and closes its file at every "
                                    "message, so that each message is on disk at once and nothing is held open.",
+    ("bench_file", "ReadString"): "Every string read takes a block of the exact length from the library's allocator "
+                                  "and zero-fills it before the bytes arrive, so that a read stopped at a limit "
+                                  "leaves zeros; the peers' std::string reuses its capacity.",
     ("bench_string", "Assign"): "Assigning allocates a block of the exact size every time (no capacity kept).",
     ("bench_matrix", "TransformFloat"): "The library widens every float coordinate to double and applies its "
                                         "double matrix, as its results must be the double formula's narrowed "
