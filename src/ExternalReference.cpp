@@ -239,7 +239,8 @@ std::pair<zunExternalReference::ValidId, zunPath> zunExternalReference::GetActua
 std::pair<zunExternalReference::ValidId, zunPath> zunExternalReference::GetReferencePath(std::uint64_t id)
 {
     const Record * record = Find(id);
-    return record != nullptr ? std::make_pair(IdFound, record->referencePath) : std::make_pair(IdNotFound, zunPath::Empty);
+    return record != nullptr ? std::make_pair(IdFound, record->referencePath)
+                             : std::make_pair(IdNotFound, zunPath::Empty);
 }
 
 std::pair<zunExternalReference::ValidId, zunExternalReference::Type> zunExternalReference::GetType(std::uint64_t id)

@@ -14,8 +14,8 @@
 #include "IdTestSupport.h"
 
 using idtest::BytesOf;
-using idtest::ReadFenced;
 using idtest::Reader;
+using idtest::ReadFenced;
 using idtest::Truncated;
 using idtest::Written;
 using Ref = zunExternalReference;
@@ -357,10 +357,12 @@ TEST_F(DelegateTest, DestructionReportsTheIdFirst)
 TEST_F(DelegateTest, ReadInvalidatesWithoutTranslating)
 {
     Ref::SetDelegate(g_recorder);
-    const auto mesh = Written([](zunFile * f) {
-        f->Write_Int32(3);
-        f->Write_String16(zunStringW(u"stored.png"));
-    });
+    const auto mesh = Written(
+        [](zunFile * f)
+        {
+            f->Write_Int32(3);
+            f->Write_String16(zunStringW(u"stored.png"));
+        });
     Ref ref(kTexture, zunPath("a.png"));
     ref.GetActualPath();
     g_recorder.changes.clear();
