@@ -10,6 +10,7 @@
 #include "SettingsLineReader.h"
 #include "SimpleSettingsImp.h"
 #include "ThrowSite.h"
+#include "zunFileDisk.h"
 #include "zunMem.h"
 
 using namespace zunSettingsPrivate;
@@ -22,13 +23,19 @@ namespace
 {
     // Makes an empty file at `path`, refusing one that is there already (a
     // folder included).
+    // A missing file is made empty through the disk stream, which logs why a
+    // create failed; the stream is closed again at once.
     bool CreateEmptyFile(const zunPath & path)
     {
-        std::FILE * file = std::fopen(path.OSRepresentation8(), "wx");
-        if (file == nullptr)
-            return false;
-        std::fclose(file);
-        return true;
+        try
+        {
+            return zunFileDisk::Create(path, zunFileDisk::ReadWrite, zunFileDisk::CreateNew,
+                                       zunFlags<zunFileDisk::Flag, 2>()) != nullptr;
+        }
+        catch (const zunException &)
+        {
+            return false; // a new file that cannot seek: not a file to keep settings in
+        }
     }
 
     // The three steps of storing a record; each is false when memory ran out,
