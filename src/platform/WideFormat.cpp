@@ -217,14 +217,14 @@ namespace
         return true;
     }
 
-    // Writes `value` (not negative) in decimal at `at`; returns the end.
-    char * AppendDecimal(char * at, int value)
+    // Writes `magnitude` in decimal at `at`; returns the end.
+    char * AppendDecimal(char * at, unsigned int magnitude)
     {
-        char digits[12];
+        char digits[10];
         int count = 0;
         do
-            digits[count++] = static_cast<char>('0' + value % 10);
-        while ((value /= 10) != 0);
+            digits[count++] = static_cast<char>('0' + magnitude % 10);
+        while ((magnitude /= 10) != 0);
         while (count > 0)
             *at++ = digits[--count];
         return at;
@@ -246,11 +246,11 @@ namespace
             for (const char * flag = d.flags; *flag != 0 && flag < d.flags + sizeof(d.flags); ++flag)
                 *at++ = *flag;
             if (d.width >= 0)
-                at = AppendDecimal(at, d.width);
+                at = AppendDecimal(at, static_cast<unsigned int>(d.width));
             if (d.precision >= 0)
             {
                 *at++ = '.';
-                at = AppendDecimal(at, d.precision);
+                at = AppendDecimal(at, static_cast<unsigned int>(d.precision));
             }
             while (*size != 0)
                 *at++ = *size++;
@@ -289,20 +289,17 @@ namespace
     // the runtime's formatter: the digits alone, a minus sign before them.
     bool PutPlainInt(Output & out, int value)
     {
-        char digits[12];
-        char * end = digits;
-        unsigned int magnitude = value < 0 ? 0u - static_cast<unsigned int>(value) : static_cast<unsigned int>(value);
-        do
-            *end++ = static_cast<char>('0' + magnitude % 10);
-        while ((magnitude /= 10) != 0);
+        char text[12];
+        char * end = text;
         if (value < 0)
             *end++ = '-';
-        const std::size_t count = static_cast<std::size_t>(end - digits);
+        end = AppendDecimal(end, value < 0 ? 0u - static_cast<unsigned int>(value) : static_cast<unsigned int>(value));
+        const std::size_t count = static_cast<std::size_t>(end - text);
         if (!out.Fits(count))
             return false;
         if (out.Writing())
             for (std::size_t i = 0; i < count; ++i)
-                out.Cursor()[i] = static_cast<zunWChar>(digits[count - 1 - i]);
+                out.Cursor()[i] = static_cast<zunWChar>(text[i]);
         out.Advance(count);
         return true;
     }
