@@ -40,6 +40,18 @@ namespace
     // and the work on a file made of nothing but headers.
     constexpr int kMaxDepth = 64;
 
+    // Whether all four bytes of a tag are printable ASCII.
+    bool IsPrintableTag(unsigned int fcc)
+    {
+        for (int i = 0; i < 4; ++i)
+        {
+            const unsigned char c = static_cast<unsigned char>(fcc >> (8 * i));
+            if (c < 0x20 || c > 0x7E)
+                return false;
+        }
+        return true;
+    }
+
     struct Chunk
     {
         std::uint64_t offset = 0; // of the tag
@@ -213,18 +225,6 @@ namespace
             return "the chunk at offset " + std::to_string(offset) + " " + what;
         }
 
-    public:
-        static bool IsPrintableTag(unsigned int fcc)
-        {
-            for (int i = 0; i < 4; ++i)
-            {
-                const unsigned char c = static_cast<unsigned char>(fcc >> (8 * i));
-                if (c < 0x20 || c > 0x7E)
-                    return false;
-            }
-            return true;
-        }
-
     private:
         zunFile & m_file;
         const std::uint64_t m_headerSize;
@@ -287,7 +287,7 @@ namespace
     void PrintChunk(ChunkReader & reader, const Chunk & chunk, int depth)
     {
         std::string tag = ChunkReader::Hex(chunk.fcc);
-        if (ChunkReader::IsPrintableTag(chunk.fcc))
+        if (IsPrintableTag(chunk.fcc))
         {
             tag += " '";
             for (int i = 0; i < 4; ++i)
