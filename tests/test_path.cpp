@@ -298,6 +298,18 @@ TEST(PathText, SetLastComponentRefusesAnAbsoluteNameAfterTheCut)
     EXPECT_EQ(Canon(cutOnly), "a");
 }
 
+// Found by fuzzing: nothing is normalised after the cut, so cutting the last
+// name of a network text can leave just its leading pair.
+TEST(PathText, SetLastComponentCutOfANetworkNameKeepsTheLeadingPair)
+{
+    zunPath network(R"(\\\C')");
+    ASSERT_EQ(Canon(network), R"(\\\C')");
+    network.SetLastComponent(zunString(""));
+    EXPECT_EQ(Canon(network), R"(\\)");
+    network.SetLastComponent(zunString("srv"));
+    EXPECT_EQ(Canon(network), R"(\srv)"); // the cut at index 1 leaves one separator
+}
+
 TEST(PathText, NarrowNamesAndExtensionsAreReadAsUTF8)
 {
     zunPath path(R"(a\b.txt)");
@@ -430,6 +442,15 @@ TEST(PathText, MakeRelativeTakesTheBaseOffWithoutCase)
     const zunPath absolute(R"(\tmp\x\y)");
     EXPECT_EQ(Canon(absolute.GetRelativePath(zunPath(R"(\TMP)"))), R"(x\y)");
     EXPECT_EQ(Canon(absolute), R"(\tmp\x\y)");
+}
+
+// Found by fuzzing: the tail of a network text is collapsed again once the
+// base is taken off, so its inner doubled separators go.
+TEST(PathText, MakeRelativeCollapsesTheTailOfANetworkText)
+{
+    const zunPath network(R"(\\a\\b)");
+    ASSERT_EQ(Canon(network), R"(\\a\\b)");
+    EXPECT_EQ(Canon(network.GetRelativePath(zunPath(R"(\)"))), R"(\a\b)");
 }
 
 TEST(PathText, MakeRelativeLeavesAPathOutsideTheBase)
