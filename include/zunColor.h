@@ -45,6 +45,8 @@
 
 struct zunFile;
 
+/// A color held in one of six spaces, with an alpha; components are clamped
+/// to the space's domain when stored.
 struct ZUN_API zunColor
 {
     /// The six spaces, with the numbers of the stored form. The type is fixed
@@ -97,14 +99,19 @@ struct ZUN_API zunColor
     /// The same with alpha 1.
     zunColor(double c0, double c1, double c2, ColorSpace space);
 
+    /// Copies all five fields, the space included.
+    ///@{
     zunColor(const zunColor &) = default;
     zunColor(zunColor &&) = default;
+    ///@}
     /// Copies `defaultValue` (its space included), then Read: where the read
     /// stops at a limit, the default stands.
     zunColor(zunFile * file, const zunColor & defaultValue);
     /// Copies all five fields, the space included.
+    ///@{
     zunColor & operator=(const zunColor &) = default;
     zunColor & operator=(zunColor &&) = default;
+    ///@}
 
     // ---- Setting and getting ------------------------------------------------
     // The space named in these calls is that of the values passed; the color
@@ -125,6 +132,7 @@ struct ZUN_API zunColor
     double GetComponent(Component component) const;
     /// The space the components are held in.
     ColorSpace GetColorSpace() const { return m_space; }
+    /// The alpha, 0..1 (1 is opaque).
     double GetAlpha() const { return m_alpha; }
     /// Stores the alpha clamped to 0..1.
     zunColor & SetAlpha(double alpha);
@@ -139,20 +147,27 @@ struct ZUN_API zunColor
     /// is ignored); the alpha is kept.
     zunColor & SetWin32ColorRef(unsigned long colorRef);
     /// RGB and alpha in the eight-bit form: times 255.0, clamped to 0..255 and
-    /// truncated, so 1.0 gives 255 and 0.999 gives 254.
+    /// truncated, so 1.0 gives 255 and 0.999 gives 254. The three-argument
+    /// form leaves out the alpha.
+    ///@{
     void GetRGBInt(unsigned char & r, unsigned char & g, unsigned char & b, unsigned char & a) const;
     void GetRGBInt(unsigned char & r, unsigned char & g, unsigned char & b) const;
+    ///@}
     /// 0xAABBGGRR: red in the lowest byte, alpha in the highest.
     unsigned int GetRGBA32() const;
     /// 0x00BBGGRR: red in the lowest byte, the top byte 0.
     operator unsigned long() const;
 
     /// Red, green, blue in RGB.
+    ///@{
     operator zunVector3T<float>() const;
     operator zunVector3T<double>() const;
+    ///@}
     /// Red, green, blue in RGB, and the alpha.
+    ///@{
     operator zunVector4T<float>() const;
     operator zunVector4T<double>() const;
+    ///@}
 
     /// The lightness of the color without its saturation: the HSL triple with
     /// S set to 0, read back as red in RGB. For an RGB color this is the HSL
@@ -162,8 +177,10 @@ struct ZUN_API zunColor
     /// True when each of the three stored components differs by 0.00390625
     /// (1/256) or less. Neither the spaces nor the alphas are compared: an RGB
     /// color and a Lab color with close numbers are equal.
+    ///@{
     bool operator==(const zunColor & other) const;
     bool operator!=(const zunColor & other) const;
+    ///@}
 
     // ---- Arithmetic ---------------------------------------------------------
     // Each member form changes the color and returns it; the static form works
@@ -173,26 +190,36 @@ struct ZUN_API zunColor
 
     /// Per RGB channel w1 * this + w2 * other, with w1 and w2 clamped to 0..1.
     /// The sum is not normalised; storing it clamps it to 0..1.
+    ///@{
     zunColor & Add(const zunColor & other, double w1, double w2);
     static zunColor Add(const zunColor & color, const zunColor & other, double w1, double w2);
+    ///@}
     /// A paint-like (Kubelka-Munk) mix of the RGB reflectances: `t` 0 keeps this
     /// color, 1 gives `other`, and in between the darker color dominates (white
     /// and black at 0.5 give nearly black, about 0.00002). A channel of exactly 0
     /// counts as 0.00001. `t` is not clamped.
+    ///@{
     zunColor & Mix(const zunColor & other, double t);
     static zunColor Mix(const zunColor & color, const zunColor & other, double t);
+    ///@}
     /// Multiplies the HSL saturation by `factor` (the result is clamped to 0..1).
+    ///@{
     zunColor & Saturate(double factor);
     static zunColor Saturate(const zunColor & color, double factor);
+    ///@}
     /// In HSV: adds `dh` degrees to the hue, multiplies S by `s` and V by `v`.
     /// The hue wraps upwards only: a sum of 370 becomes 10, but a negative sum
     /// becomes 0 (hue 5 turned by -10 gives 0, not 355).
+    ///@{
     zunColor & HSV_Modulate(double dh, double s, double v);
     static zunColor HSV_Modulate(const zunColor & color, double dh, double s, double v);
+    ///@}
     /// Scales the brightness: multiplies the HSV value by `factor`. The RGB
     /// channels are not multiplied one by one, and the alpha stays.
+    ///@{
     zunColor & operator*=(double factor);
     zunColor operator*(double factor) const;
+    ///@}
     /// A factor for Saturate from a slider running from -1 to 1: 1 + p for
     /// p <= 0, else 1 + 4p (so -1, 0 and 1 give 0, 1 and 5).
     static double GetSaturateMultFromPS(double p);
@@ -203,24 +230,29 @@ struct ZUN_API zunColor
     /// The square root of Distance2.
     double Distance(const zunColor & other) const;
 
-    // ---- Named colors (RGB, alpha 1) ----------------------------------------
+    // ---- Named colors -------------------------------------------------------
 
-    static zunColor Aqua();    // 0, 1, 1
-    static zunColor Black();   // 0, 0, 0
-    static zunColor Blue();    // 0, 0, 1
-    static zunColor Fuchsia(); // 1, 0, 1
-    static zunColor Gray();    // 0.5, 0.5, 0.5
-    static zunColor Green();   // 0, 0.5, 0
-    static zunColor Lime();    // 0, 1, 0
-    static zunColor Maroon();  // 0.5, 0, 0
-    static zunColor Navy();    // 0, 0, 0.5
-    static zunColor Olive();   // 0.5, 0.5, 0
-    static zunColor Purple();  // 0.5, 0, 0.5
-    static zunColor Red();     // 1, 0, 0
-    static zunColor Silver();  // 0.75, 0.75, 0.75
-    static zunColor Teal();    // 0, 0.5, 0.5
-    static zunColor White();   // 1, 1, 1
-    static zunColor Yellow();  // 1, 1, 0
+    /// \name Named colors
+    /// Colors held in RGB with alpha 1; the red, green and blue of each are
+    /// given beside it.
+    ///@{
+    static zunColor Aqua();    ///< 0, 1, 1
+    static zunColor Black();   ///< 0, 0, 0
+    static zunColor Blue();    ///< 0, 0, 1
+    static zunColor Fuchsia(); ///< 1, 0, 1
+    static zunColor Gray();    ///< 0.5, 0.5, 0.5
+    static zunColor Green();   ///< 0, 0.5, 0
+    static zunColor Lime();    ///< 0, 1, 0
+    static zunColor Maroon();  ///< 0.5, 0, 0
+    static zunColor Navy();    ///< 0, 0, 0.5
+    static zunColor Olive();   ///< 0.5, 0.5, 0
+    static zunColor Purple();  ///< 0.5, 0, 0.5
+    static zunColor Red();     ///< 1, 0, 0
+    static zunColor Silver();  ///< 0.75, 0.75, 0.75
+    static zunColor Teal();    ///< 0, 0.5, 0.5
+    static zunColor White();   ///< 1, 1, 1
+    static zunColor Yellow();  ///< 1, 1, 0
+    ///@}
 
     // ---- File form ----------------------------------------------------------
     // 32 bytes: red, green, blue and alpha as four doubles, each in the
@@ -238,8 +270,13 @@ struct ZUN_API zunColor
     // Public for plain-data use; the space is meant to change only by
     // assignment of a whole color.
 
+    /// The space the components are held in.
     ColorSpace m_space;
+    /// The triple in m_space, in its order (e.g. H, S, V), within its domain.
+    ///@{
     double m_c0, m_c1, m_c2;
+    ///@}
+    /// 0..1; 1 is opaque.
     double m_alpha;
 
 private:

@@ -51,6 +51,8 @@
 #include "zunMem.h"
 #include "zunTypes.h"
 
+/// A growable array of trivially copyable elements in one zunMemAlloc block;
+/// failures give false or null and leave the array as it was.
 template <typename T> class zunFastMesh
 {
     static_assert(std::is_trivially_copyable<T>::value, "zunFastMesh moves its elements as bytes");
@@ -71,11 +73,15 @@ private:
     };
 
 public:
+    /// The element type and the iterators: random access, holding the address
+    /// of the block pointer and an index, so they survive the block's growth.
+    ///@{
     using value_type = T;
     using iterator = zunIndexIteratorT<T * const, ElementAccess>;
     using const_iterator = zunIndexIteratorT<T * const, ConstElementAccess>;
     using reverse_iterator = std::reverse_iterator<iterator>;
     using const_reverse_iterator = std::reverse_iterator<const_iterator>;
+    ///@}
 
     /// An empty array with no block; allocates nothing.
     zunFastMesh() noexcept : m_nMinCapacity(16), m_nCount(0), m_nCapacity(0), m_pData(nullptr), m_nShrinkBelow(0) {}
@@ -258,16 +264,25 @@ public:
         return *this;
     }
 
+    /// The number of elements.
     unsigned int Count() const { return m_nCount; }
     /// The number of elements the block has room for.
     unsigned int Capacity() const { return m_nCapacity; }
     /// Direct access; the index is not checked.
+    ///@{
     T & operator[](unsigned int index) { return m_pData[index]; }
     const T & operator[](unsigned int index) const { return m_pData[index]; }
+    ///@}
     /// The block; null while the capacity is 0.
+    ///@{
     T * Data() { return m_pData; }
     const T * Data() const { return m_pData; }
+    ///@}
 
+    /// Iterators over indices 0 to Count(); the reverse ones run from Count()
+    /// down. They stay valid when the block is replaced; an index past the
+    /// count after a removal is not checked.
+    ///@{
     iterator begin() { return iterator(&m_pData, 0); }
     iterator end() { return iterator(&m_pData, m_nCount); }
     const_iterator begin() const { return const_iterator(&m_pData, 0); }
@@ -280,12 +295,14 @@ public:
     const_reverse_iterator rend() const { return const_reverse_iterator(begin()); }
     const_reverse_iterator crbegin() const { return rbegin(); }
     const_reverse_iterator crend() const { return rend(); }
+    ///@}
 
     /// Calls `action(element)` for the elements `first` to `last`, both
     /// included; 0xFFFFFFFF stands for the last element. The walk goes down when
     /// `first` is above `last`. Nothing is visited when the array is empty,
     /// when both are 0xFFFFFFFF, or when a real index is not below Count(). The
     /// action must not change the count.
+    ///@{
     template <typename Action> void ForEach(unsigned int first, unsigned int last, Action && action)
     {
         WalkRange(*this, first, last,
@@ -304,9 +321,11 @@ public:
                       return false;
                   });
     }
+    ///@}
 
     /// Walks as ForEach and returns the index of the first element for which
     /// `predicate(element)` is true, or 0xFFFFFFFF.
+    ///@{
     template <typename Predicate> unsigned int FindIf(unsigned int first, unsigned int last, Predicate && predicate)
     {
         return WalkRange(*this, first, last, predicate);
@@ -316,6 +335,7 @@ public:
     {
         return WalkRange(*this, first, last, predicate);
     }
+    ///@}
 
     /// Visits every element once, from `start` on, wrapping at the end of the
     /// array (downward and wrapping at the front when `reverse`), and returns
@@ -323,6 +343,7 @@ public:
     /// or 0xFFFFFFFF. `skipStart` leaves `start` itself out. A `start` of 0xFFFFFFFF (or
     /// any not below Count()) means the first element going forward and the
     /// last going back, and then `skipStart` is ignored.
+    ///@{
     template <typename Predicate>
     unsigned int CircularFindIf(unsigned int start, bool reverse, bool skipStart, Predicate && predicate)
     {
@@ -333,11 +354,16 @@ public:
     {
         return WalkCircle(*this, start, reverse, skipStart, predicate);
     }
+    ///@}
 
 protected:
+    /// The smallest capacity of a non-empty array, 16; Copy takes the source's.
     unsigned int m_nMinCapacity;
+    /// The number of elements in use.
     unsigned int m_nCount;
+    /// The number of elements the block has room for; 0 with no block.
     unsigned int m_nCapacity;
+    /// The block from zunMemAlloc; null while the capacity is 0.
     T * m_pData;
     /// Half the capacity: a removal that leaves fewer elements gives memory back.
     unsigned int m_nShrinkBelow;

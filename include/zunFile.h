@@ -42,6 +42,8 @@
 struct zunFileArrayAccess;
 struct zunFileState;
 
+/// A byte stream with a block cache, a read limit, chunks and a byte order,
+/// over a back-end given as CallBacks.
 struct ZUN_API zunFile
 {
     /// The stream's only view of storage. Implement it to put a stream over
@@ -56,7 +58,10 @@ struct ZUN_API zunFile
         virtual std::uint64_t Read(void * data, std::uint64_t count) = 0;
         /// Moves the pointer to an absolute position; returns the position.
         virtual std::uint64_t SetFilePointer(std::uint64_t position) = 0;
+        /// The pointer's position; the stream asks once, at its construction.
         virtual std::uint64_t GetFilePointer() = 0;
+        /// The storage's size in bytes; asked once, at the stream's
+        /// construction: from then on the stream keeps the size itself.
         virtual std::uint64_t GetFileSize() = 0;
         /// Ends the use of the storage.
         virtual void Close() = 0;
@@ -127,6 +132,7 @@ struct ZUN_API zunFile
 
     // ---- Position, cache and limit.
 
+    /// The stream's position, which may lie past the end.
     std::uint64_t GetCurrPos() const;
     /// Moves to `offset` from the start, the current position or the size, in
     /// wrapping unsigned arithmetic; returns the new position. Nothing is
@@ -144,6 +150,7 @@ struct ZUN_API zunFile
     /// The position reads must not cross: `value`, or the position + `value`.
     /// Moves nothing and doesn't look at any enclosing limit.
     void SetLimit(std::uint64_t value, LimitRelativeTo relativeTo = LimitAbsolute);
+    /// The limit as stored; NoLimit when none is set.
     std::uint64_t GetLimit();
     /// Position >= limit.
     bool IsLimitReached();
@@ -154,12 +161,19 @@ struct ZUN_API zunFile
 
     // ---- Stored settings.
 
+    /// The width of the size field of new chunks, ChunkSize32 at first; the
+    /// number is stored as given.
+    ///@{
     ChunkSizeBits GetChunkSizeBits();
     void SetChunkSizeBits(ChunkSizeBits bits);
+    ///@}
     /// The stream's byte order, Little at first. Applies to what follows;
     /// nothing already written is converted.
+    ///@{
     zunSystem::Endianness GetEndianness() const;
     void SetEndianness(zunSystem::Endianness endianness);
+    ///@}
+    /// Stores the encoding; strings are read as UTF-8 whatever it says.
     void SetEncodingForStringRead(StringEncoding encoding);
 
     // ---- Typed writes. Each throws a zunException when the bytes don't go out.
@@ -167,20 +181,28 @@ struct ZUN_API zunFile
     /// 4 bytes, ordered: 0 or 1.
     void Write_Bool(bool value);
     /// 1 byte each.
+    ///@{
     void Write_Char(char value);
     void Write_Int8(signed char value);
     void Write_UInt8(unsigned char value);
+    ///@}
     /// 2 bytes, ordered.
+    ///@{
     void Write_Int16(short value);
     void Write_UInt16(unsigned short value);
+    ///@}
     /// 4 bytes, ordered. A long is written as its low 32 bits.
+    ///@{
     void Write_Int32(int value);
     void Write_Int32(long value);
     void Write_UInt32(unsigned int value);
     void Write_UInt32(unsigned long value);
+    ///@}
     /// 8 bytes, ordered.
+    ///@{
     void Write_Int64(std::int64_t value);
     void Write_UInt64(std::uint64_t value);
+    ///@}
     /// A double: 8 bytes, ordered.
     void Write_Float(double value);
     /// A float: 4 bytes, ordered.
@@ -206,19 +228,33 @@ struct ZUN_API zunFile
 
     /// Any non-zero number reads as true.
     void Read_Bool(bool & value);
+    /// 1 byte each.
+    ///@{
     void Read_Char(char & value);
     void Read_Int8(signed char & value);
     void Read_UInt8(unsigned char & value);
+    ///@}
+    /// 2 bytes, ordered.
+    ///@{
     void Read_Int16(short & value);
     void Read_UInt16(unsigned short & value);
+    ///@}
+    /// 4 bytes, ordered; a long is sign-extended from them, an unsigned long
+    /// zero-extended.
+    ///@{
     void Read_Int32(int & value);
-    /// Sign-extends the 32 bits read.
     void Read_Int32(long & value);
     void Read_UInt32(unsigned int & value);
     void Read_UInt32(unsigned long & value);
+    ///@}
+    /// 8 bytes, ordered.
+    ///@{
     void Read_Int64(std::int64_t & value);
     void Read_UInt64(std::uint64_t & value);
+    ///@}
+    /// A double from 8 bytes, ordered.
     void Read_Float(double & value);
+    /// A float from 4 bytes, ordered.
     void Read_FloatSP(float & value);
     /// Unlike a number, a string read at the limit becomes empty (its length
     /// reads as 0). With the length inside the limit and the characters not,

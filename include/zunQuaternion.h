@@ -24,23 +24,31 @@
 #include "zunMatrix44.h"
 #include "zunTypes.h"
 
+/// The quaternion r + i·I + j·J + k·K of doubles; the default is the identity.
 class ZUN_API zunQuaternion
 {
 public:
     /// (1, 0, 0, 0), (0, 1, 0, 0), (0, 0, 1, 0), (0, 0, 0, 1), (0, 0, 0, 0);
     /// constant from library load on.
+    ///@{
     static const zunQuaternion Identity;
     static const zunQuaternion I;
     static const zunQuaternion J;
     static const zunQuaternion K;
     static const zunQuaternion Zero;
+    ///@}
 
     /// The identity (1, 0, 0, 0).
     constexpr zunQuaternion() : m_r(1.0), m_i(0.0), m_j(0.0), m_k(0.0) {}
+    /// The components as given: real part r, unreal part (i, j, k).
     constexpr zunQuaternion(double r, double i, double j, double k) : m_r(r), m_i(i), m_j(j), m_k(k) {}
 
+    /// Replaces all four components.
     void Set(double r, double i, double j, double k) { m_r = r, m_i = i, m_j = j, m_k = k; }
 
+    /// The components: r() reads the real part, r(value) writes it; likewise
+    /// i, j and k for the unreal part.
+    ///@{
     double r() const { return m_r; }
     double i() const { return m_i; }
     double j() const { return m_j; }
@@ -49,6 +57,7 @@ public:
     void i(double value) { m_i = value; }
     void j(double value) { m_j = value; }
     void k(double value) { m_k = value; }
+    ///@}
 
     /// The real part, r().
     double Scalar() const { return m_r; }
@@ -57,9 +66,11 @@ public:
 
     /// r² + i² + j² + k².
     double Norm2() const { return m_r * m_r + m_i * m_i + m_j * m_j + m_k * m_k; }
+    /// The length, the square root of Norm2.
     double Norm() const;
     /// i² + j² + k².
     double UnrealNorm2() const { return m_i * m_i + m_j * m_j + m_k * m_k; }
+    /// The length of the unreal part, the square root of UnrealNorm2.
     double UnrealNorm() const;
 
     /// Negates i, j, k.
@@ -80,6 +91,7 @@ public:
     zunMatrix44 GetRotMtx() const;
     /// The Euler angles of GetRotMtx in the order of zunMatrix44::AddRotation.
     zunVector3T<double> GetRotAnglesDeg() const;
+    /// GetRotAnglesDeg converted to radians.
     zunVector3T<double> GetRotAnglesRad() const;
     /// (qx·qy)·qz, the quaternion of zunMatrix44::AddRotationRad(x, y, z).
     static zunQuaternion FromRotAnglesRad(double x, double y, double z);
@@ -112,11 +124,17 @@ public:
     {
         return m_r == b.m_r && m_i == b.m_i && m_j == b.m_j && m_k == b.m_k;
     }
+    /// Exactly !(*this == b): true when a component is NaN.
     bool operator!=(const zunQuaternion & b) const { return !(*this == b); }
 
+    /// The copy; all four components negated.
+    ///@{
     zunQuaternion operator+() const { return *this; }
     zunQuaternion operator-() const { return zunQuaternion(-m_r, -m_i, -m_j, -m_k); }
+    ///@}
 
+    /// Component by component.
+    ///@{
     zunQuaternion & operator+=(const zunQuaternion & b)
     {
         m_r += b.m_r, m_i += b.m_i, m_j += b.m_j, m_k += b.m_k;
@@ -127,6 +145,9 @@ public:
         m_r -= b.m_r, m_i -= b.m_i, m_j -= b.m_j, m_k -= b.m_k;
         return *this;
     }
+    ///@}
+    /// Add d to or subtract it from r alone.
+    ///@{
     zunQuaternion & operator+=(double d)
     {
         m_r += d;
@@ -137,6 +158,8 @@ public:
         m_r -= d;
         return *this;
     }
+    ///@}
+    /// Scales all four components.
     zunQuaternion & operator*=(double d)
     {
         m_r *= d, m_i *= d, m_j *= d, m_k *= d;
@@ -149,10 +172,16 @@ public:
     /// Right division this·b⁻¹, unguarded.
     zunQuaternion & operator/=(const zunQuaternion & b) { return *this = Quotient(*this, b); }
 
+    /// Component by component.
+    ///@{
     friend zunQuaternion operator+(zunQuaternion a, const zunQuaternion & b) { return a += b; }
     friend zunQuaternion operator-(zunQuaternion a, const zunQuaternion & b) { return a -= b; }
+    ///@}
+    /// (r + d, i, j, k) and (r - d, i, j, k).
+    ///@{
     friend zunQuaternion operator+(zunQuaternion q, double d) { return q += d; }
     friend zunQuaternion operator-(zunQuaternion q, double d) { return q -= d; }
+    ///@}
     /// (d + r, i, j, k).
     friend zunQuaternion operator+(double d, const zunQuaternion & q)
     {
@@ -160,12 +189,18 @@ public:
     }
     /// (r - d, i, j, k): the same as q - d, not the negated difference.
     friend zunQuaternion operator-(double d, zunQuaternion q) { return q -= d; }
+    /// All four components times d.
+    ///@{
     friend zunQuaternion operator*(zunQuaternion q, double d) { return q *= d; }
     friend zunQuaternion operator*(double d, zunQuaternion q) { return q *= d; }
+    ///@}
+    /// All four components times 1.0 / d.
     friend zunQuaternion operator/(zunQuaternion q, double d) { return q /= d; }
     /// q times 1.0 / d: the same as q / d, not d·q⁻¹.
     friend zunQuaternion operator/(double d, zunQuaternion q) { return q /= d; }
+    /// The Hamilton product a·b.
     friend zunQuaternion operator*(const zunQuaternion & a, const zunQuaternion & b) { return Product(a, b); }
+    /// Right division a·b⁻¹, unguarded: b zero gives infinities and NaN.
     friend zunQuaternion operator/(const zunQuaternion & a, const zunQuaternion & b) { return Quotient(a, b); }
 
 private:
@@ -209,11 +244,13 @@ ZUN_API zunQuaternion Pow(const zunQuaternion & q, double t);
 
 /// The trigonometric and hyperbolic functions. A purely real q gives the real
 /// function of r in Sin, Cos and Tan.
+///@{
 ZUN_API zunQuaternion Sin(const zunQuaternion & q);
 ZUN_API zunQuaternion Cos(const zunQuaternion & q);
 ZUN_API zunQuaternion Tan(const zunQuaternion & q);
 ZUN_API zunQuaternion Sinh(const zunQuaternion & q);
 ZUN_API zunQuaternion Cosh(const zunQuaternion & q);
+///@}
 /// Sinh(q) / Cosh(q), with the right division.
 ZUN_API zunQuaternion Tanh(const zunQuaternion & q);
 

@@ -106,6 +106,7 @@ namespace zunSignalPrivate
         DestroySignalEmitterT() = default;
         /// Takes nothing from the source: connections belong to an object's identity.
         DestroySignalEmitterT(const DestroySignalEmitterT &) : DestroySignalEmitter() {}
+        /// Keeps this object's own connections; the source's stay with it.
         DestroySignalEmitterT & operator=(const DestroySignalEmitterT &) { return *this; }
         /// Emits the death notice with this object's address, if it has a
         /// notice, then erases the notice.
@@ -134,8 +135,12 @@ namespace zunSignalPrivate
     {
     public:
         virtual ~Handler() = default;
+        /// Whether the connection has everything it needs to be invoked.
         virtual bool IsValid() const = 0;
+        /// Whether `other`, a connection or a search pattern, designates this
+        /// connection; Connect and Disconnect find connections with it.
         virtual bool Equals(Handler * other) const = 0;
+        /// Runs the connection with the emitted arguments.
         virtual void Invoke(Args... args) = 0;
         /// The receiver whose death ends this connection, or null.
         virtual DestroySignalEmitter * GetEmitter() const = 0;
@@ -146,6 +151,7 @@ namespace zunSignalPrivate
     template <class Target, class Owner, class... Args> class ZUN_API ObjectHandler : public Handler<Args...>
     {
     public:
+        /// The member function a connection calls.
         typedef void (Owner::*Function)(Args...);
 
         /// Count 1. With a null `function` it is a pattern that matches every
@@ -165,8 +171,11 @@ namespace zunSignalPrivate
         /// The object as a DestroySignalEmitter; null for other targets.
         DestroySignalEmitter * GetEmitter() const override;
 
+        /// How many times the same pair was connected; as many Disconnects remove it.
         unsigned int m_count;
+        /// The receiver; null in a pattern that matches any receiver.
         Target * m_object;
+        /// The member function called; null in a pattern that matches any connection.
         Function m_function;
         /// Added to the object's address to form the callee's `this`.
         int m_adjustment;
@@ -199,6 +208,7 @@ namespace zunSignalPrivate
         static_assert(std::is_same<Policy, NoThreadSafe>::value, "the thread policy is ThreadSafe or NoThreadSafe");
 
     public:
+        /// Calls every handler with `args`; see Signal::Emit.
         virtual void Emit(Args... args) = 0;
         virtual ~SignalBase() = default;
     };
@@ -207,9 +217,12 @@ namespace zunSignalPrivate
     template <class... Args> class ZUN_API SignalBase<ThreadSafe, Args...> : public SignalData<Args...>
     {
     public:
+        /// Calls every handler with `args`; see Signal::Emit.
         virtual void Emit(Args... args) = 0;
         virtual ~SignalBase() = default;
 
+        /// Held while the signal emits, connects, disconnects, blocks and
+        /// dies; recursive, so handlers may call back into the same signal.
         mutable std::recursive_mutex m_mutex;
     };
 
@@ -217,12 +230,16 @@ namespace zunSignalPrivate
     template <class Policy> class SignalLock
     {
     public:
+        /// Locks nothing.
         template <class AnySignal> explicit SignalLock(const AnySignal &) {}
     };
 
+    /// Holds the recursive mutex of a ThreadSafe signal for one scope.
     template <> class SignalLock<ThreadSafe>
     {
     public:
+        /// Locks `signal`'s m_mutex until the lock goes out of scope; throws
+        /// std::system_error when the mutex cannot be locked.
         template <class AnySignal> explicit SignalLock(const AnySignal & signal) : m_guard(signal.m_mutex) {}
 
     private:
@@ -250,6 +267,7 @@ namespace zunSignalPrivate
         /// identity, so a copy starts with none, and assignment keeps the
         /// target's own. Classes that hold signals stay copyable.
         Signal(const Signal &) : SignalBase<Policy, Args...>(), m_runningLoops(0), m_slotsCleared(false) {}
+        /// Keeps this signal's own connections; the source's stay with it.
         Signal & operator=(const Signal &) { return *this; }
 
         /// Calls every handler with `args` (see the emission rules above).
@@ -276,7 +294,9 @@ namespace zunSignalPrivate
         void DisconnectAll();
         /// Blocks emissions; blocks nest and need as many Unblocks.
         void Block();
+        /// Takes back one Block; does nothing on a signal that is not blocked.
         void Unblock();
+        /// Whether more Blocks than Unblocks were called, so emissions are dropped.
         bool IsBlocked() const;
 
         /// The receivers on whose death notice this signal has a handler of its own.
@@ -317,14 +337,18 @@ namespace zunSignalPrivate
     template <class Policy, class... Args> class ZUN_API EmitterWatch : public Handler<DestroySignalEmitter *>
     {
     public:
+        /// Watches the receiver's death on behalf of `signal`.
         explicit EmitterWatch(Signal<Policy, Args...> * signal) : m_signal(signal) {}
 
+        /// Whether a signal is watched.
         bool IsValid() const override { return m_signal != nullptr; }
         /// True for the pattern of the watched signal only.
         bool Equals(Handler<DestroySignalEmitter *> * other) const override;
+        /// The receiver died: removes its connections from the watched signal.
         void Invoke(DestroySignalEmitter * emitter) override { m_signal->OnReceiverDestroyed(emitter); }
         DestroySignalEmitter * GetEmitter() const override { return nullptr; }
 
+        /// The signal told of the receiver's death.
         Signal<Policy, Args...> * m_signal;
     };
 
@@ -638,30 +662,52 @@ template <class Policy> class ZUN_API zunBaseT : public zunSignalPrivate::Destro
 {
 public:
     zunBaseT() = default;
+    /// Copies and moves start the target with no connections of its own
+    /// and leave the source's connections where they are.
+    ///@{
     zunBaseT(const zunBaseT &) : zunSignalPrivate::DestroySignalEmitterT<Policy>() {}
     zunBaseT(zunBaseT &&) noexcept : zunSignalPrivate::DestroySignalEmitterT<Policy>() {}
+    ///@}
+    /// Assignments keep the target's own connections.
+    ///@{
     zunBaseT & operator=(const zunBaseT &) { return *this; }
     zunBaseT & operator=(zunBaseT &&) noexcept { return *this; }
+    ///@}
     ~zunBaseT() override;
 
+    /// Objects and arrays come from malloc; null when it fails, nothing thrown.
+    ///@{
     static void * operator new(std::size_t size) noexcept;
     static void * operator new[](std::size_t size) noexcept;
+    ///@}
     /// Over-aligned classes get memory of their alignment, still freed by free.
+    ///@{
     static void * operator new(std::size_t size, std::align_val_t alignment) noexcept;
     static void * operator new[](std::size_t size, std::align_val_t alignment) noexcept;
+    ///@}
+    /// Placement forms: construct at `place`, allocate nothing.
+    ///@{
     static void * operator new(std::size_t size, void * place) noexcept;
     static void * operator new[](std::size_t size, void * place) noexcept;
+    ///@}
+    /// Release with free, whatever the alignment.
+    ///@{
     static void operator delete(void * block) noexcept;
     static void operator delete[](void * block) noexcept;
     static void operator delete(void * block, std::align_val_t alignment) noexcept;
     static void operator delete[](void * block, std::align_val_t alignment) noexcept;
+    ///@}
+    /// Placement forms: free nothing.
+    ///@{
     static void operator delete(void * block, void * place) noexcept;
     static void operator delete[](void * block, void * place) noexcept;
+    ///@}
 };
 
 /// Signals for everyday use: zunSignal<Args...> locks its own recursive mutex,
 /// zunSignalNoThreadSafe<Args...> locks nothing.
 template <class... Args> using zunSignal = zunSignalPrivate::Signal<zunSignalPrivate::ThreadSafe, Args...>;
+/// A signal that locks nothing and belongs to one thread at a time.
 template <class... Args>
 using zunSignalNoThreadSafe = zunSignalPrivate::Signal<zunSignalPrivate::NoThreadSafe, Args...>;
 

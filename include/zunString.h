@@ -47,11 +47,15 @@
 template <typename C> class zunStringListT;
 struct zunFile;
 
+/// A terminated text of units C in one exact-size block, with its length and
+/// checksum; used as zunString (UTF-8) and zunStringW (UTF-16).
 template <typename C, typename H> struct zunStringT
 {
     /// The unit type of the other encoding, and its string.
+    ///@{
     using OtherChar = typename zunCharHelper<C>::OtherChar;
     using OtherString = zunStringT<OtherChar, zunCharHelper<OtherChar>>;
+    ///@}
 
     /// No text, null block.
     zunStringT() : m_pData(nullptr), m_nLength(0), m_nChecksum(0) {}
@@ -100,6 +104,7 @@ template <typename C, typename H> struct zunStringT
     zunStringT & operator<<(const zunStringT & other);
     /// Appends the text converted from the other encoding; null appends nothing.
     zunStringT & operator<<(const OtherChar * text);
+    /// Appends `other`'s text converted; a string with no text appends nothing.
     zunStringT & operator<<(const OtherString & other);
 
     // ---- Formatting.
@@ -142,7 +147,9 @@ template <typename C, typename H> struct zunStringT
 
     // ---- Reading.
 
+    /// The number of units before the terminator (bytes in zunString).
     unsigned int Length() const { return m_nLength; }
+    /// No text, in either form (null block or empty text).
     bool IsEmpty() const { return m_nLength == 0; }
     /// The text; the empty text for the null form, never null.
     operator const C *() const { return m_pData != nullptr ? m_pData : ms_szEmptyText; }
@@ -192,11 +199,15 @@ template <typename C, typename H> struct zunStringT
 
     // ---- Equality: checksums, then lengths, then the units.
 
+    /// The same units, case-sensitive; the null form equals the empty text.
     bool operator==(const zunStringT & other) const;
     /// As against a string made from `text`; a null `text` equals an empty string.
     bool operator==(const C * text) const;
+    /// Exactly the negation of operator==.
+    ///@{
     bool operator!=(const zunStringT & other) const { return !(*this == other); }
     bool operator!=(const C * text) const { return !(*this == text); }
+    ///@}
 
     /// The empty text in a block, made at load; copy it to return "no text".
     static const zunStringT Empty;
@@ -215,13 +226,16 @@ private:
     void Clear();
 };
 
+/// UTF-8 text: lengths and positions count bytes.
 typedef zunStringT<char, zunCharHelper<char>> zunString;
+/// UTF-16 text in zunWChar units: lengths and positions count 16-bit units.
 typedef zunStringT<zunWChar, zunCharHelper<zunWChar>> zunStringW;
 
 extern template struct ZUN_API zunStringT<char, zunCharHelper<char>>;
 extern template struct ZUN_API zunStringT<zunWChar, zunCharHelper<zunWChar>>;
 
-/// A null `text` equals an empty string.
+/// right == text, and its negation; a null `text` equals an empty string.
+///@{
 ZUN_API bool operator==(const char * text, const zunString & right);
 ZUN_API bool operator==(const zunWChar * text, const zunStringW & right);
 inline bool operator!=(const char * text, const zunString & right)
@@ -232,10 +246,12 @@ inline bool operator!=(const zunWChar * text, const zunStringW & right)
 {
     return !(text == right);
 }
+///@}
 
 /// Concatenation: a copy of the left operand with the right appended by `<<`.
 /// The result has the encoding of the left operand (a raw pointer's being that
 /// of its unit); the right is converted when it differs.
+///@{
 ZUN_API zunString operator+(const zunString & a, const zunString & b);
 ZUN_API zunString operator+(const zunString & a, const zunStringW & b);
 ZUN_API zunString operator+(const zunString & a, const char * b);
@@ -248,6 +264,7 @@ ZUN_API zunStringW operator+(const zunStringW & a, const char * b);
 ZUN_API zunStringW operator+(const zunStringW & a, const zunWChar * b);
 ZUN_API zunStringW operator+(const zunWChar * a, const zunStringW & b);
 ZUN_API zunStringW operator+(const zunWChar * a, const zunString & b);
+///@}
 
 /// Appends `src` and its terminator behind the text of `dst`; returns `dst`.
 /// Does nothing when either is null. `dst` must have the room.

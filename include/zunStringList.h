@@ -43,9 +43,12 @@
 #include "zunIndexIterator.h"
 #include "zunString.h"
 
+/// An ordered list of non-empty texts of units C, packed one after the other
+/// in one array, with a caller-owned flag byte per entry.
 template <typename C> class zunStringListT
 {
 public:
+    /// The string type of the list's units.
     using String = zunStringT<C, zunCharHelper<C>>;
 
 private:
@@ -56,12 +59,14 @@ private:
     };
 
 public:
+    /// The texts cannot be changed through an iterator: every iterator reads
+    /// `const C *` entry texts, as operator[] gives them.
+    ///@{
     using const_iterator = zunIndexIteratorT<const zunStringListT, TextAccess>;
-
-    /// The texts cannot be changed through an iterator.
     using iterator = const_iterator;
     using reverse_iterator = std::reverse_iterator<const_iterator>;
     using const_reverse_iterator = reverse_iterator;
+    ///@}
 
     /// An empty list; allocates nothing.
     zunStringListT() : m_nFlagged(0) {}
@@ -72,11 +77,13 @@ public:
     zunStringListT(const zunStringListT & other) : m_nFlagged(0) { Copy(other); }
     /// Takes the three arrays; `other` is left empty.
     zunStringListT(zunStringListT && other) noexcept;
+    /// Copy(other); an exhausted heap leaves this list cleared.
     zunStringListT & operator=(const zunStringListT & other)
     {
         Copy(other);
         return *this;
     }
+    /// Takes the three arrays and the flagged count; `other` is left empty.
     zunStringListT & operator=(zunStringListT && other) noexcept;
 
     /// Destroys the flags, the offsets and the texts, in that order.
@@ -99,6 +106,7 @@ public:
     /// Removes entry `index` and all behind it; false if there is no such entry.
     virtual bool Truncate(unsigned int index);
 
+    /// The number of entries.
     unsigned int Count() const { return m_Offsets.Count(); }
     /// The text of entry `index` inside the list's array (valid until the next
     /// edit); null while the list holds no texts. The index is not checked.
@@ -120,6 +128,9 @@ public:
     /// (InsertList does not add the flags it brings in; Truncate recounts).
     unsigned int FlaggedCount() const { return m_nFlagged; }
 
+    /// Iterators over the entry texts, first to last (reverse: last to
+    /// first); valid as long as the list object lives, whatever the edits.
+    ///@{
     const_iterator begin() const { return const_iterator(this, 0); }
     const_iterator end() const { return const_iterator(this, Count()); }
     const_iterator cbegin() const { return begin(); }
@@ -128,6 +139,7 @@ public:
     reverse_iterator rend() const { return reverse_iterator(begin()); }
     reverse_iterator crbegin() const { return rbegin(); }
     reverse_iterator crend() const { return rend(); }
+    ///@}
 
 protected:
     zunFastMesh<C> m_Chars;              ///< the texts, each with its terminator
@@ -154,7 +166,9 @@ private:
     void ShiftOffsets(unsigned int first, unsigned int last, long long delta);
 };
 
+/// A list of UTF-8 texts.
 typedef zunStringListT<char> zunStringList;
+/// A list of UTF-16 texts.
 typedef zunStringListT<zunWChar> zunStringListW;
 
 extern template class ZUN_API zunStringListT<char>;
