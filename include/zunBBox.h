@@ -39,13 +39,17 @@ struct zunRay
     zunVector4T<double> origin;    ///< the point at parameter 0
     zunVector4T<double> direction; ///< the step per unit of parameter
 
+    /// Origin and direction both (0, 0, 0, 1).
     zunRay() = default;
+    /// The origin and direction as given.
     zunRay(zunVector4T<double> const & origin_, zunVector4T<double> const & direction_)
         : origin(origin_), direction(direction_)
     {
     }
 };
 
+/// An axis-aligned box of doubles, two corners; it starts cleared, so the
+/// first point added sets both corners.
 class ZUN_API zunBBox
 {
 public:
@@ -54,14 +58,19 @@ public:
 
     /// A cleared box.
     zunBBox();
+    /// Copies and moves take both corners as they stand.
+    ///@{
     zunBBox(zunBBox const & other) = default;
     zunBBox(zunBBox && other) = default;
     zunBBox & operator=(zunBBox const & other) = default;
     zunBBox & operator=(zunBBox && other) = default;
+    ///@}
 
     /// Make the box cleared; the two are the same.
+    ///@{
     void Clear();
     void New();
+    ///@}
 
     /// Stores both corners as they are, w included, with no check or ordering.
     void Set(zunVector4T<double> const & min, zunVector4T<double> const & max);
@@ -75,9 +84,11 @@ public:
     // cleared box sets both corners, and a NaN coordinate changes nothing.
     // w is not touched.
 
-    /// One point, widened to double.
+    /// One point, a float one widened to double.
+    ///@{
     void Extend(zunVector3T<float> const & point);
     void Extend(zunVector4T<double> const & point);
+    ///@}
     /// `count` points, each transformed (a copy of it) by `matrix` first when
     /// the matrix is not null.
     void Extend(zunVector4T<double> const * points, unsigned int count, zunMatrix44 const * matrix);
@@ -120,9 +131,11 @@ public:
     /// (0, 0, 0, 1) if invalid; else (DX, DY, DZ, 1.0).
     zunVector4T<double> Ext() const;
     /// max - min on the axis, 0.0 if the box is invalid; may be negative (down to -1.0).
+    ///@{
     double DX() const;
     double DY() const;
     double DZ() const;
+    ///@}
     /// 0.0 if invalid; else sqrt(DX² + DY² + DZ²).
     double GetDiagonal() const;
 
@@ -130,8 +143,10 @@ public:
     /// order (x0,y0,z0) (x1,y0,z0) (x0,y1,z0) (x1,y1,z0) (x0,y0,z1) (x1,y0,z1)
     /// (x0,y1,z1) (x1,y1,z1). No validity test: a cleared box gives its
     /// ±3.4e+38. A null pointer writes nothing.
+    ///@{
     void GetBox(zunVector3T<float> * const corners) const;
     void GetBox(zunVector3T<double> * const corners) const;
+    ///@}
 
     /// The parameters along `ray` of the corners' projections onto it: low the
     /// least, high the greatest. They are in units of the ray's direction
@@ -139,8 +154,12 @@ public:
     /// below 1e-24 gives 0 for every corner. An invalid box writes nothing.
     void GetExtentAlongRay(zunRay const & ray, double & low, double & high) const;
 
+    /// On some axis max == min exactly; a cleared box is not flat.
     bool IsFlat() const;
+    /// On some axis -1.0 > max - min: a cleared box is invalid, a box inverted
+    /// by 1.0 or less is not.
     bool IsInvalid() const;
+    /// On all three axes max == min exactly: a single point.
     bool IsNull() const;
 };
 

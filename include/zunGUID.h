@@ -28,12 +28,13 @@
 
 struct zunFile;
 
+/// A 128-bit identifier, 16 plain bytes in the platform's UUID layout.
 struct ZUN_API zunGUID
 {
-    unsigned int Data1;
-    unsigned short Data2;
-    unsigned short Data3;
-    unsigned char Data4[8];
+    unsigned int Data1;     ///< the first group of the text form, 8 digits
+    unsigned short Data2;   ///< the second group, 4 digits
+    unsigned short Data3;   ///< the third group, 4 digits
+    unsigned char Data4[8]; ///< the last two groups, 4 and 12 digits, byte by byte
 
     /// The all-zero value, parsed from "00000000-0000-0000-0000-000000000000"
     /// at library load.
@@ -45,8 +46,11 @@ struct ZUN_API zunGUID
     zunGUID(const zunString & text);
     /// Parses `text` (null is the empty text). Invalid on failure.
     zunGUID(const char * text);
+    /// Copy the 16 bytes.
+    ///@{
     zunGUID(const zunGUID & other) = default;
     zunGUID & operator=(const zunGUID & other) = default;
+    ///@}
     /// `defaultValue`, then Read(file).
     zunGUID(zunFile * file, const zunGUID & defaultValue);
 
@@ -56,12 +60,18 @@ struct ZUN_API zunGUID
     zunStringW ToString16() const;
 
     /// All 16 bytes.
+    ///@{
     bool operator==(const zunGUID & other) const;
     bool operator!=(const zunGUID & other) const;
+    ///@}
     /// memcmp order of the 16 stored bytes.
     bool operator<(const zunGUID & other) const;
 
+    /// Reads the 16-byte file form; a read stopped at the stream's limit
+    /// leaves each unread field as it was.
     void Read(zunFile * file);
+    /// Writes the 16-byte file form; throws zunException when the bytes
+    /// don't go out.
     void Write(zunFile * file) const;
 };
 

@@ -28,13 +28,14 @@ struct ZUN_API zunInterpolator_Float
 {
     /// 0 to 0.
     zunInterpolator_Float();
+    /// The ends as given.
     zunInterpolator_Float(double start, double end);
 
     /// (end - start) * e + start, with e the eased t.
     double Get(double t, double ease) const;
 
-    double start;
-    double end;
+    double start; ///< the value at t = 0
+    double end;   ///< the value at t = 1
 };
 
 /// Runs a point from `start` to `end`, component by component.
@@ -42,13 +43,14 @@ struct ZUN_API zunInterpolator_Point3
 {
     /// Both ends (0, 0, 0, 1).
     zunInterpolator_Point3();
+    /// The ends as given.
     zunInterpolator_Point3(const zunVector4T<double> & start, const zunVector4T<double> & end);
 
     /// x, y, z of start + (end - start) * e with e the eased t; w is 1.
     void Get(double t, double ease, zunVector4T<double> & result) const;
 
-    zunVector4T<double> start;
-    zunVector4T<double> end;
+    zunVector4T<double> start; ///< the point at t = 0
+    zunVector4T<double> end;   ///< the point at t = 1
 };
 
 /// Turns a unit direction from `start` towards `end` about their common normal.
@@ -71,10 +73,10 @@ struct ZUN_API zunInterpolator_Rotation
     /// The whole turn, in degrees.
     double GetAngle() const { return angle; }
 
-    zunVector4T<double> start;
-    zunVector4T<double> end;
-    zunVector4T<double> axis;
-    double angle; ///< degrees
+    zunVector4T<double> start; ///< the direction at t = 0, normalized by the constructor
+    zunVector4T<double> end;   ///< the direction of the whole turn, normalized by the constructor
+    zunVector4T<double> axis;  ///< the unit axis of the turn
+    double angle;              ///< degrees
 };
 
 /// Runs from 0 to 1 over a duration of the library's clock (zunTimer).

@@ -38,11 +38,13 @@ struct zunFile;
 /// direction, origin.
 struct zunAxes
 {
-    zunVector4T<double> first;
-    zunVector4T<double> second;
-    zunVector4T<double> origin;
+    zunVector4T<double> first;  ///< the first direction; Transform normalizes it
+    zunVector4T<double> second; ///< the second direction; Transform normalizes it
+    zunVector4T<double> origin; ///< a point, carried as a point
 };
 
+/// A 4 by 4 matrix of doubles stored column by column, p' = M·p; the default
+/// is the identity.
 class ZUN_API zunMatrix44
 {
 public:
@@ -54,18 +56,26 @@ public:
 
     /// The identity.
     constexpr zunMatrix44() : m{1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 0.0, 1.0} {}
+    /// Copies the sixteen elements.
+    ///@{
     zunMatrix44(const zunMatrix44 &) = default;
     zunMatrix44(zunMatrix44 &&) = default;
+    ///@}
     /// Copies `defaultValue`, then reads the sixteen values over it (see Read):
     /// where the read stops at a limit, the default stands.
     zunMatrix44(zunFile * file, const zunMatrix44 & defaultValue);
+    /// Copies the sixteen elements.
+    ///@{
     zunMatrix44 & operator=(const zunMatrix44 &) = default;
     zunMatrix44 & operator=(zunMatrix44 &&) = default;
+    ///@}
 
     /// Bitwise comparison of the 128 bytes: 0.0 and -0.0 differ, and a NaN
     /// equals the same NaN.
+    ///@{
     bool operator==(const zunMatrix44 & other) const;
     bool operator!=(const zunMatrix44 & other) const;
+    ///@}
 
     /// Makes the matrix the identity.
     zunMatrix44 & SetIdentity();
@@ -144,9 +154,11 @@ public:
     zunVector4T<double> GetTranslation() const;
 
     /// Write m[12], m[13], m[14] and nothing else.
+    ///@{
     zunMatrix44 & SetTranslation(const zunVector3T<float> & t);
     zunMatrix44 & SetTranslation(const zunVector3T<double> & t);
     zunMatrix44 & SetTranslation(const zunVector4T<double> & t);
+    ///@}
 
     /// Sets the three axis columns and nothing else. With `orthonormal` the
     /// vectors are trusted: X = x, Y = y, Z = x × y as they stand. Otherwise the
@@ -155,9 +167,11 @@ public:
     zunMatrix44 & SetXYZ(const zunVector4T<double> & x, const zunVector4T<double> & y, bool orthonormal);
 
     /// The axis columns (m[0..2]), (m[4..6]), (m[8..10]).
+    ///@{
     zunVector3T<double> X() const;
     zunVector3T<double> Y() const;
     zunVector3T<double> Z() const;
+    ///@}
 
     /// Guarded normalization of the three axis columns; the translation stays,
     /// and the axes are not made orthogonal.
@@ -200,13 +214,17 @@ public:
     // pointer or a count of 0 does nothing.
 
     /// Points in place; a step of max(stride, 3) elements.
+    ///@{
     void Transform(float * points, unsigned int count, unsigned int stride) const;
     void Transform(double * points, unsigned int count, unsigned int stride) const;
+    ///@}
     /// Points in place; w stays.
     void Transform(zunVector4T<double> * points, unsigned int count) const;
     /// Points from `source` to `target`, both stepping by max(stride, 3).
+    ///@{
     void Transform(const float * source, float * target, unsigned int count, unsigned int stride) const;
     void Transform(const double * source, double * target, unsigned int count, unsigned int stride) const;
+    ///@}
     /// Points from `source` to `target`, w copied. The arrays must not overlap.
     void Transform(const zunVector4T<double> * source, zunVector4T<double> * target, unsigned int count) const;
     /// Points, the source stepping by max(sourceStride, 3), the target by
@@ -223,9 +241,11 @@ public:
                        unsigned int targetStride) const;
 
     /// Points with w' written (no division by it): in place, a step of
-    /// max(stride, 4) elements.
+    /// max(stride, 4) elements (one vector for zunVector4T).
+    ///@{
     void TransformH(float * points, unsigned int count, unsigned int stride) const;
     void TransformH(zunVector4T<double> * points, unsigned int count) const;
+    ///@}
     /// From `source` (step max(sourceStride, 3)) to `target` (step
     /// max(targetStride, 4)).
     void TransformH(const float * source, float * target, unsigned int count, unsigned int sourceStride,

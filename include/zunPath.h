@@ -53,6 +53,8 @@
 #include "zunString.h"
 #include "zunStringList.h"
 
+/// A file-system path held as canonical text (backslash separators, 16-bit
+/// units), with the operations that take it to the disk.
 class ZUN_API zunPath
 {
 public:
@@ -131,11 +133,11 @@ public:
             Temporary = 64
         };
 
-        unsigned int attributes;    ///< Attribute bits
-        std::uint64_t size;         ///< bytes; 0 for a folder
-        std::uint64_t creationTime; ///< 100 ns units since 1601-01-01 UTC (see GetInfo)
-        std::uint64_t lastAccessTime;
-        std::uint64_t lastWriteTime;
+        unsigned int attributes;      ///< Attribute bits
+        std::uint64_t size;           ///< bytes; 0 for a folder
+        std::uint64_t creationTime;   ///< 100 ns units since 1601-01-01 UTC (see GetInfo)
+        std::uint64_t lastAccessTime; ///< 100 ns units since 1601-01-01 UTC
+        std::uint64_t lastWriteTime;  ///< 100 ns units since 1601-01-01 UTC
     };
 
     /// The walker of VisitFolder: the child's path, its Info and the depth
@@ -147,22 +149,28 @@ public:
 
     /// The empty path.
     zunPath();
+    /// A path of its own with `other`'s text.
     zunPath(const zunPath & other);
     /// Takes `other`'s storage; `other` has none afterwards and may only be
     /// assigned to or destroyed (it reads as empty meanwhile).
     zunPath(zunPath && other) noexcept;
     /// Normalises UTF-8 text; null gives the empty path. Invalid UTF-8 is
     /// replaced, never refused.
+    ///@{
     zunPath(const zunString & text);
     zunPath(const char * text);
+    ///@}
     /// Normalises UTF-16 text; null gives the empty path.
+    ///@{
     zunPath(const zunStringW & text);
     zunPath(const zunWChar * text);
+    ///@}
     /// Copies `defaultValue`, then Read. A read stopped at the stream's limit
     /// gives the empty path, as a string read there does, not the default.
     zunPath(zunFile * file, const zunPath & defaultValue);
     ~zunPath();
 
+    /// Copies `other`'s text; self-assignment does nothing.
     zunPath & operator=(const zunPath & other);
     /// Exchanges storage: `other` ends up with this path's former text.
     zunPath & operator=(zunPath && other) noexcept;
@@ -185,6 +193,7 @@ public:
 
     // ---- Queries ----------------------------------------------------------------------
 
+    /// The text has no units.
     bool IsEmpty() const;
     /// Non-empty, and the first unit is a separator or ":\" occurs anywhere.
     bool IsAbsolute() const;
@@ -211,8 +220,11 @@ public:
     /// name, without the dot; when the name has fewer dots, after its first.
     /// Level 0, an empty path or a name without a dot give the empty text.
     /// `a.b.c`: level 1 `c`, levels 2 and 3 `b.c`; `.profile`: `profile`.
+    /// GetExtension gives the same in UTF-8.
+    ///@{
     zunStringW GetExtension16(unsigned int level = 1) const;
     zunString GetExtension(unsigned int level = 1) const;
+    ///@}
 
     // ---- Changes and derived paths ------------------------------------------------------
 
@@ -244,23 +256,31 @@ public:
     /// only separator is the first unit, or that has none, keeps its text and
     /// gets `name` appended (`abc` with `x` gives `abc\x`); a trailing
     /// separator alone is what goes from `a\b\` (with `c`: `a\b\c`). An
-    /// absolute `name` is refused as by +=, after the cut.
+    /// absolute `name` is refused as by +=, after the cut. UTF-8 `name` is
+    /// converted first.
+    ///@{
     void SetLastComponent(const zunStringW & name);
     void SetLastComponent(const zunString & name);
+    ///@}
 
     /// Puts the absolute `base` in front of a relative or empty path (an
     /// empty one becomes `base` with a trailing separator) and collapses
     /// separators. An absolute path, or a base that is empty or relative,
-    /// leaves the path as it is.
+    /// leaves the path as it is. GetAbsolutePath returns a changed copy.
+    ///@{
     zunPath & MakeAbsolutePath(const zunPath & base);
     zunPath GetAbsolutePath(const zunPath & base) const;
+    ///@}
 
     /// Removes the absolute `base` (taken with a trailing separator, compared
     /// without case) from the front: `C:\a\b\c` with `C:\A\` gives `b\c`. A
     /// path outside `base` stays as it is; no ".." is ever made. A relative
     /// path, or a base that is empty or relative, clears the path.
+    /// GetRelativePath returns a changed copy.
+    ///@{
     zunPath & MakeRelativePath(const zunPath & base);
     zunPath GetRelativePath(const zunPath & base) const;
+    ///@}
 
     // ---- Comparison ---------------------------------------------------------------------
 
@@ -268,8 +288,10 @@ public:
     static bool IsFSCaseSensitive(const zunPath & path);
     /// The texts compared without case (exactly, were a file system case-
     /// sensitive). Nothing else is normalised: `a\b` is not `a\b\`.
+    ///@{
     bool operator==(const zunPath & other) const;
     bool operator!=(const zunPath & other) const;
+    ///@}
     /// Exact order of the 16-bit units, case included.
     bool operator<(const zunPath & other) const;
 
@@ -313,8 +335,7 @@ public:
     /// False only when this is not an existing folder: a partial failure is
     /// not reported (check ExistsAs afterwards if you must know).
     bool DeleteFolderRecursive() const;
-    /// Makes the folder (TopLevelOnly: its parent must exist), or the folder
-    /// holding this path with PathIsFile. True when it exists afterwards.
+
     // ---- File form ----------------------------------------------------------------------
     // The canonical text as a wide string: a 32-bit count of UTF-8 bytes, the
     // bytes and a zero byte. Backslashes are stored as they stand.
@@ -330,17 +351,23 @@ public:
 
     /// The characters a file name may not hold: ":" for UnityPath, and
     /// < > " | ? * : \ / for WinPath. Empty for another number (reported).
+    ///@{
     static zunStringW GetInvalidFilenameCharacters16(zunPath::Representation representation);
     static zunString GetInvalidFilenameCharacters(zunPath::Representation representation);
+    ///@}
     /// 1 to 256 units, none of them invalid in a file name.
+    ///@{
     static bool IsValidFilename(const zunString & name, zunPath::Representation representation);
     static bool IsValidFilename(const zunStringW & name, zunPath::Representation representation);
+    ///@}
     /// 2 to 256 units. UnityPath refuses ":"; WinPath refuses " * < > ? | and
     /// allows one colon only before the first separator (`C:\a`), where a
     /// leading `\\` doesn't count as a separator: `C:\a:b` and `a\b:c` are
     /// invalid, `\\srv\s` and `C:/a` valid.
+    ///@{
     static bool IsValidPath(const zunString & path, zunPath::Representation representation);
     static bool IsValidPath(const zunStringW & path, zunPath::Representation representation);
+    ///@}
     /// A copy of `name` with each invalid character replaced by
     /// `replacement`; unchanged when `name` is empty or `replacement` is 0.
     static zunStringW MakeValidFilename(const zunStringW & name, zunWChar replacement,
@@ -355,9 +382,14 @@ public:
     /// (`data.tmp` gives `data<digits>.tmp`). Tries 50 numbers; empty when all
     /// exist or `folder` isn't a folder. Nothing is created: another process
     /// may take the name before it is opened. Reseeds rand() from the time.
+    /// A UTF-8 `stem` is converted first.
+    ///@{
     static zunPath GetTemporaryFilename(zunStringW stem, const zunPath & folder);
     static zunPath GetTemporaryFilename(const zunString & stem, const zunPath & folder);
+    ///@}
 
+    /// Makes the folder (TopLevelOnly: its parent must exist), or the folder
+    /// holding this path with PathIsFile. True when it exists afterwards.
     /// The process's current folder changes while this runs and is put back.
     bool CreateFolder(zunPath::TraverseMode mode = Recursive, zunPath::CreateFolderOption option = PathIsFolder) const;
     /// Sets the access and write times of a file to now (Linux keeps its own
@@ -372,12 +404,13 @@ public:
     /// true adds the owner write bit; false removes every write bit.
     bool MakeWriteable(bool writeable) const;
     /// Calls `visitor` for each entry of this folder that matches `mask` (an
-    /// empty mask is "*.*"), a folder before its contents; with Recursive,
-    /// every folder is entered, matching or not, when the visitor returned
-    /// true for it. Masks match as on Windows: without case, `*` and `?`,
-    /// several masks separated by ";", and `*.*` matching every name. "." and
-    /// ".." are never visited, links are not followed. A missing or empty
-    /// folder is no failure: true. False as soon as a visitor says false.
+    /// empty mask is "*.*"), a folder before its contents. With Recursive
+    /// every folder counts as matching: the visitor is called for it whatever
+    /// the mask, and the walk enters it when the visitor returned true, so the
+    /// mask sorts out files only. Masks match as on Windows: without case, `*`
+    /// and `?`, several masks separated by ";", and `*.*` matching every name.
+    /// "." and ".." are never visited, links are not followed. A missing or
+    /// empty folder is no failure: true. False as soon as a visitor says false.
     bool VisitFolder(const zunString & mask, zunPath::TraverseMode mode, Visitor visitor) const;
     /// fopen of the platform form with `mode`. On failure logs "[zunPath::Open]
     /// _wfopen(<path>, <mode>) falied! errno=<n>, '<text>'" through zunDprintf
@@ -391,8 +424,10 @@ public:
     /// extension is removed again and the result is 0xFFFFFFFF. Each entry
     /// replaces what follows the last dot, so after an entry holding a dot
     /// itself (`tar.gz`), the next ones stand behind its front part.
+    ///@{
     unsigned int FindExtension(const zunStringListT<char> & extensions);
     unsigned int FindExtension(const zunStringListT<zunWChar> & extensions);
+    ///@}
 
     /// The process's current folder (no trailing separator but at the root);
     /// empty when the system cannot tell.

@@ -25,6 +25,8 @@
 
 struct zunFile;
 
+/// A release number, major.minor.revision and build, packed into one 32-bit
+/// raw value; 0 is invalid.
 struct ZUN_API zunVersion
 {
     /// Forms of GetDescription. A number outside the list gives "".
@@ -47,39 +49,55 @@ struct ZUN_API zunVersion
     /// `defaultValue`, then Read(file).
     zunVersion(zunFile * file, const zunVersion & defaultValue);
 
+    /// The packed 32 bits; any value is taken as it stands.
+    ///@{
     unsigned int GetRawValue() const { return m_nRawValue; }
     void SetRawValue(unsigned int rawValue) { m_nRawValue = rawValue; }
+    ///@}
 
     /// The internal major plus 2000.
     unsigned int GetMajor() const;
+    /// The fields as stored: internal major 0..255 (the top 8 bits), minor and
+    /// revision 0..15 (4 bits each), build 0..65535 (the low 16 bits).
+    ///@{
     unsigned char GetMajorInternal() const;
     unsigned char GetMinor() const;
     unsigned char GetRevision() const;
     unsigned short GetBuild() const;
+    ///@}
 
     /// 2000 to 2255, stored less 2000; anything else is refused.
     void SetMajor(unsigned int major);
+    /// Stores the top 8 bits as given, 0 to 255 (public major 2000 to 2255).
     void SetMajorInternal(unsigned char major);
     /// 0 to 15; anything else is refused.
     void SetMinor(unsigned char minor);
     /// 0 to 15; anything else is refused.
     void SetRevision(unsigned char revision);
+    /// Stores the low 16 bits as given.
     void SetBuild(unsigned short build);
 
     /// The raw value differs from Invalid's.
     bool IsValid() const;
 
+    /// Compare the raw values: major outranks minor, minor revision, revision build.
+    ///@{
     bool operator==(const zunVersion & other) const { return m_nRawValue == other.m_nRawValue; }
     bool operator!=(const zunVersion & other) const { return m_nRawValue != other.m_nRawValue; }
     bool operator<(const zunVersion & other) const { return m_nRawValue < other.m_nRawValue; }
     bool operator<=(const zunVersion & other) const { return m_nRawValue <= other.m_nRawValue; }
     bool operator>(const zunVersion & other) const { return m_nRawValue > other.m_nRawValue; }
     bool operator>=(const zunVersion & other) const { return m_nRawValue >= other.m_nRawValue; }
+    ///@}
 
     /// The text of one of the Description forms.
     zunString GetDescription(Description form) const;
 
+    /// Reads the raw value as a 32-bit integer; a read stopped at the stream's
+    /// limit keeps the value.
     void Read(zunFile * file);
+    /// Writes the raw value as a 32-bit integer; throws zunException when the
+    /// bytes don't go out.
     void Write(zunFile * file) const;
 
 private:
