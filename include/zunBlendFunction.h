@@ -26,6 +26,8 @@
 #include "zunConfig.h"
 #include "zunFastMesh.h"
 
+/// An S-shaped blend curve of adjustable tension, mapped onto an x and y
+/// frame by offsets and scales.
 struct ZUN_API zunBlendFunction
 {
     /// How Eval finds the curve's value; chosen from the tension, in this order.
@@ -44,10 +46,13 @@ struct ZUN_API zunBlendFunction
     /// Maps x0..x1 onto y0..y1. An x range narrower than 1e-9 gets a scale of 1.
     zunBlendFunction(double x0, double x1, double y0, double y1, double tension);
 
+    /// Copies and moves take the stored form as it stands.
+    ///@{
     zunBlendFunction(const zunBlendFunction &) = default;
     zunBlendFunction(zunBlendFunction &&) = default;
     zunBlendFunction & operator=(const zunBlendFunction &) = default;
     zunBlendFunction & operator=(zunBlendFunction &&) = default;
+    ///@}
 
     /// The curve at x, in the frame. NaN only where the cubic's complex branch
     /// meets a vanishing denominator, or for a NaN input or tension.

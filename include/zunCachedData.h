@@ -32,6 +32,8 @@ public:
     virtual ~zunCachedData();
 };
 
+/// Records derived from zunCachedData under zunGUIDs, owned and deleted by the
+/// container; never copied from one object to another.
 class ZUN_API zunCachedDataContainer
 {
 public:

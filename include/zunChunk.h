@@ -59,6 +59,8 @@ struct ZUN_API zunChunk
     /// not been entered.
     void UnDescend();
 
+    /// The tag: 0 before Create or Descend, and after a Descend at the limit
+    /// or the end.
     unsigned int GetFCC() const { return m_nFCC; }
     /// The size of the contents, header excluded.
     std::uint64_t GetSize() const { return m_nSize; }
@@ -92,11 +94,15 @@ public:
     /// Frees the chunk; writes nothing (a chunk not closed keeps size 0).
     ~zunChunkHF();
 
+    /// The zunChunk operations of the same names, on the handle's chunk;
+    /// the first call makes the chunk over `file`.
+    ///@{
     void Create(zunFile * file, unsigned int fcc);
     void Close(zunFile * file);
     void Descend(zunFile * file);
     void Ascend(zunFile * file);
     void UnDescend(zunFile * file);
+    ///@}
 
     /// Descend, read the whole contents from `file` into a new buffer, Ascend.
     /// The caller owns the buffer and frees it with delete[].
@@ -107,8 +113,10 @@ public:
     void DescendReadAscend(zunFile * file, zunFastMesh<unsigned char> & mesh);
 
     /// The chunk's tag against `fcc`. A handle never used has the tag 0.
+    ///@{
     bool operator==(unsigned int fcc) const;
     bool operator!=(unsigned int fcc) const;
+    ///@}
     /// The tag; 0 with no chunk.
     unsigned int GetFCC() const;
     /// The size cut to 32 bits; 0 with no chunk. zunChunk::GetSize has all 64.

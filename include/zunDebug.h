@@ -24,8 +24,10 @@
 #include "zunConfig.h"
 #include "zunFlags.h"
 
+/// Developer aids that reach into the processor.
 namespace zunDebug
 {
+    /// Hardware memory breakpoints through the debug registers of a thread.
     namespace Windows
     {
         /// What touching the address means: fetching an instruction there,

@@ -21,6 +21,8 @@
 
 #include "zunConfig.h"
 
+/// What the library throws: where it was thrown, by which function, and two
+/// texts, one for developers and one for the user.
 struct ZUN_API zunException
 {
     /// Both pointers null, both texts empty.
@@ -69,10 +71,10 @@ struct ZUN_API zunException
     /// plain integer without atomics.
     static bool IsAnyBeingHandled();
 
-    const char * m_pszFileAndLine;
-    const char * m_pszFunction;
-    char m_szDebugDescription[1024];
-    char m_szDescription[1024];
+    const char * m_pszFileAndLine;   ///< see GetFileAndLine; not owned
+    const char * m_pszFunction;      ///< see GetFunction; not owned
+    char m_szDebugDescription[1024]; ///< terminated text for developers
+    char m_szDescription[1024];      ///< terminated text for the user
 
 private:
     static unsigned int ms_nExceptionInstances;

@@ -49,6 +49,8 @@
 struct zunFile;
 struct zunExternalReferenceRecord;
 
+/// A persisted link to a file outside the document: the stored reference
+/// path, the resolved actual path and its state, under a 64-bit id.
 class ZUN_API zunExternalReference
 {
 public:
@@ -122,6 +124,7 @@ public:
 
     /// Empties the reference path and invalidates; type and cached actual text stay.
     void Clear();
+    /// The stored reference path, as the delegate's ToReferencePath gave it.
     zunPath GetReferencePath() const;
     /// Stores the delegate's ToReferencePath of `path` (or `path` itself
     /// without a delegate) and invalidates.
@@ -129,7 +132,9 @@ public:
     /// Resolves an unresolved reference through the delegate (or takes the
     /// reference path itself without one) and returns the cached actual path.
     zunPath GetActualPath() const;
+    /// The type given at construction (or read); assignment copies it.
     zunExternalReference::Type GetType() const;
+    /// The reference path is empty.
     bool IsEmpty() const;
     /// True for an empty reference path; otherwise resolves if needed and
     /// tells whether the state is Resolved.
@@ -146,13 +151,21 @@ public:
 
     // ---- By id, for live references in the table.
 
+    /// The member of the same name on the reference `id`, resolving as it
+    /// does. Not found: IdNotFound and the empty path.
+    ///@{
     static std::pair<ValidId, zunPath> GetActualPath(std::uint64_t id);
     static std::pair<ValidId, zunPath> GetReferencePath(std::uint64_t id);
+    ///@}
     /// Not found: IdNotFound and type 0.
     static std::pair<ValidId, Type> GetType(std::uint64_t id);
     /// Not found: IdNotFound and false.
     static std::pair<ValidId, bool> IsEmpty(std::uint64_t id);
+    /// IsValid of the reference `id`, resolving if needed. Not found:
+    /// IdNotFound and false.
     static std::pair<ValidId, bool> IsValid(std::uint64_t id);
+    /// SetReferencePath(path) on the reference `id`; IdNotFound (nothing
+    /// changes) when there is none.
     static ValidId SetReferencePath(std::uint64_t id, const zunPath & path);
     /// Every id in the table, ascending.
     static zunFastMesh<std::uint64_t> GetIds();

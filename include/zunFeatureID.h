@@ -29,6 +29,8 @@
 
 struct zunFile;
 
+/// An ordered sequence of unsigned 32-bit ids naming a feature inside nested
+/// objects, one id per level.
 class ZUN_API zunFeatureID
 {
 public:
@@ -48,9 +50,11 @@ public:
 
     /// Clears; always true.
     bool New();
+    /// No ids.
     bool IsEmpty() const;
     /// The ids; null when nothing was ever stored or after a clear.
     const unsigned int * DataPtrGet() const;
+    /// The number of ids.
     unsigned int DataCountGet() const;
 
     /// Appends one id; false when the array cannot grow.
@@ -78,11 +82,16 @@ public:
 
     /// Same count and the same ids.
     bool operator==(const zunFeatureID & other) const;
+    /// Exactly !(*this == other).
     bool operator!=(const zunFeatureID & other) const;
+    /// Lexicographic over unsigned ids; on a common prefix the shorter
+    /// sequence is the lesser.
     bool operator<(const zunFeatureID & other) const;
 
     /// Throws zunException when the heap cannot hold the count read.
     void Read(zunFile * file);
+    /// The count as a 32-bit integer, then the ids when it is not 0; throws
+    /// zunException when the bytes don't go out.
     void Write(zunFile * file) const;
 
 private:

@@ -32,6 +32,7 @@
 #include "zunFlags.h"
 #include "zunPath.h"
 
+/// Makes zunFile streams over files on disk.
 struct ZUN_API zunFileDisk
 {
     /// What the stream may do; any other number opens as Read.

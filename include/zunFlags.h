@@ -1,6 +1,6 @@
 // zunFlags.h - a set of enumeration bits read as one 32-bit mask.
 //
-//   zunFlags<zunPath::MoveFlags, 2> flags = zunPath::MoveReplaceExisting;
+//   zunFlags<zunPath::MoveFlag, 2> flags = zunPath::MoveReplaceExisting;
 //   flags = flags | zunPath::MoveAllowCopy;
 //   if (flags.IsSet(zunPath::MoveAllowCopy)) ...
 //
@@ -11,6 +11,7 @@
 
 #include "zunConfig.h"
 
+/// A set of the bits of enumeration E (N flags), held as one 32-bit mask.
 template <typename E, unsigned int N> class zunFlags
 {
 public:
@@ -21,6 +22,8 @@ public:
     /// A set from a raw mask, for masks read from elsewhere.
     constexpr explicit zunFlags(unsigned int mask) : m_nMask(mask) {}
 
+    /// The union with another set or one enumerator.
+    ///@{
     constexpr zunFlags operator|(zunFlags other) const { return zunFlags(m_nMask | other.m_nMask); }
     constexpr zunFlags operator|(E flag) const { return zunFlags(m_nMask | static_cast<unsigned int>(flag)); }
     zunFlags & operator|=(zunFlags other)
@@ -28,13 +31,18 @@ public:
         m_nMask |= other.m_nMask;
         return *this;
     }
+    ///@}
 
     /// True when the bit of `flag` is in the set.
     constexpr bool IsSet(E flag) const { return (m_nMask & static_cast<unsigned int>(flag)) != 0; }
+    /// The raw 32-bit mask, bits outside the enumeration included.
     constexpr unsigned int GetMask() const { return m_nMask; }
 
+    /// Compare the raw masks.
+    ///@{
     constexpr bool operator==(zunFlags other) const { return m_nMask == other.m_nMask; }
     constexpr bool operator!=(zunFlags other) const { return m_nMask != other.m_nMask; }
+    ///@}
 
 private:
     unsigned int m_nMask;

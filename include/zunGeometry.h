@@ -27,11 +27,15 @@
 // --- lines and points ------------------------------------------------------------
 
 /// The foot of `point` on the line p + t * d: t = ((point - p) . d) / (d . d),
-/// or 0 when d . d < 1e-24. No clamp: t may be negative or beyond 1.
+/// or 0 when d . d < 1e-24. No clamp: t may be negative or beyond 1. The foot
+/// goes to `closest`, t to `t`; either may be null. The 2D form works in the
+/// plane alike.
+///@{
 ZUN_API void zunPointToLine(zunVector4T<double> const & p, zunVector4T<double> const & d,
                             zunVector4T<double> const & point, zunVector4T<double> * closest, double * t);
 ZUN_API void zunPointToLine2D(zunVector2T<double> const & p, zunVector2T<double> const & d,
                               zunVector2T<double> const & point, zunVector2T<double> * closest, double * t);
+///@}
 /// As zunPointToLine on the line a + t * (b - a), with t clamped to 0..1.
 ZUN_API void zunPointToSegment(zunVector4T<double> const & a, zunVector4T<double> const & b,
                                zunVector4T<double> const & point, zunVector4T<double> * closest, double * t);

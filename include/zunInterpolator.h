@@ -74,7 +74,7 @@ struct ZUN_API zunInterpolator_Rotation
     double GetAngle() const { return angle; }
 
     zunVector4T<double> start; ///< the direction at t = 0, normalized by the constructor
-    zunVector4T<double> end;   ///< the direction of the whole turn, normalized by the constructor
+    zunVector4T<double> end;   ///< the direction at t = 1, normalized by the constructor
     zunVector4T<double> axis;  ///< the unit axis of the turn
     double angle;              ///< degrees
 };

@@ -45,8 +45,11 @@ ZUN_API void zunMemCopy(void * dst, const void * src, unsigned int bytes);
 ZUN_API void zunMemCopy32(void * dst, const void * src, unsigned int words);
 /// Overlap-safe block move.
 ZUN_API void zunMemMove(void * dst, const void * src, unsigned int bytes);
+/// Sets `bytes` bytes to 0, or to `value`; a count of 0 touches nothing.
+///@{
 ZUN_API void zunMemZero(void * dst, unsigned int bytes);
 ZUN_API void zunMemFill(void * dst, unsigned char value, unsigned int bytes);
+///@}
 /// Fills `words` 32-bit words with `value`.
 ZUN_API void zunMemFill32(void * dst, unsigned int value, unsigned int words);
 /// Order of two blocks as unsigned bytes, as memcmp.

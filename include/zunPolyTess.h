@@ -54,8 +54,11 @@ public:
     };
 
     zunPolyTess_CB() = default;
+    /// The receiver holds no state of its own: copies copy nothing.
+    ///@{
     zunPolyTess_CB(zunPolyTess_CB const &) = default;
     zunPolyTess_CB & operator=(zunPolyTess_CB const &) = default;
+    ///@}
     virtual ~zunPolyTess_CB();
 
     /// A primitive starts; kind is one of Kind.
@@ -87,9 +90,12 @@ public:
     /// Adds a corner at position (x, y, z); GLU copies the values, the float
     /// form after widening them to double. `data` is kept as it is and comes
     /// back through zunPolyTess_CB::Vertex during EndPolygon, so whatever it
-    /// points at must live until then.
+    /// points at must live until then. False for an invalid object or when
+    /// OpenGL reports an error after the call.
+    ///@{
     bool Vertex(float const * const position, void * data);
     bool Vertex(double const * const position, void * data);
+    ///@}
     /// Closes the contour and the polygon; the callback runs here. Returns
     /// false without ending the polygon if closing the contour reported an
     /// OpenGL error; otherwise the result of the check after GLU's work.

@@ -70,6 +70,8 @@
 
 #include "zunConfig.h"
 
+/// The machinery behind zunBaseT, zunSignal and zunSignalNoThreadSafe; use
+/// those names rather than this namespace's.
 namespace zunSignalPrivate
 {
     /// Thread policies, given as template arguments: a ThreadSafe signal locks

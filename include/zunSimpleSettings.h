@@ -73,9 +73,11 @@ public:
     };
 
     /// The interface has no state: copying copies nothing.
+    ///@{
     zunSimpleSettings() = default;
     zunSimpleSettings(const zunSimpleSettings &) = default;
     zunSimpleSettings & operator=(const zunSimpleSettings &) = default;
+    ///@}
     virtual ~zunSimpleSettings();
 
     // ---- Setters. Each finds the section (or appends a new one at the end
@@ -105,11 +107,15 @@ public:
     /// else BadValue.
     virtual bool GetBool(const char * section, const char * key, bool defaultValue,
                          SettingStatus * status = nullptr) = 0;
+    /// The value as sscanf reads it with "%d", "%u" or "%lf" (text behind the
+    /// number ignored); BadValue and the default when no number is there.
+    ///@{
     virtual int GetInt(const char * section, const char * key, int defaultValue, SettingStatus * status = nullptr) = 0;
     virtual unsigned int GetUInt(const char * section, const char * key, unsigned int defaultValue,
                                  SettingStatus * status = nullptr) = 0;
     virtual double GetDouble(const char * section, const char * key, double defaultValue,
                              SettingStatus * status = nullptr) = 0;
+    ///@}
     /// The stored value without its quotes (up to a zero byte, if the file
     /// holds one); the empty value is Found. A missing section or key gives
     /// the default text (null: the null string).
@@ -130,6 +136,7 @@ public:
     /// Deletes the key's lines from the section. Never saves, not even with
     /// WriteThrough: the removal reaches the file with the next saved change.
     virtual void RemoveKey(const char * section, const char * key) = 0;
+    /// True if a section of that name exists (null: false).
     virtual bool HasSection(const char * section) = 0;
     /// True if the section holds the key; false for a missing section.
     virtual bool HasKey(const char * section, const char * key) = 0;

@@ -22,6 +22,7 @@
 class ZUN_API zunSlerp
 {
 public:
+    /// How the constructor treats the sign of `to`.
     enum Mode
     {
         /// The quaternions with the signs they have; a negative dot product
@@ -45,6 +46,7 @@ public:
     ///   sin((1 - t)·angle) / sinAngle · from + sin(t·angle) / sinAngle · to.
     zunQuaternion Evaluate(double t) const;
 
+    /// The start, as given.
     zunQuaternion from;
     /// The end, negated by the constructor when Shortest asks for it.
     zunQuaternion to;
@@ -69,6 +71,7 @@ public:
 class ZUN_API zunSquad
 {
 public:
+    /// How the constructor treats the signs of the keys.
     enum Mode
     {
         /// The keys with the signs they have.
@@ -86,8 +89,10 @@ public:
     zunSquad(zunFastMesh<zunQuaternion> keys, Mode mode);
     /// Carries the keys, the segment and both interpolators; the source is left
     /// without keys, with null interpolators and no cached segment.
+    ///@{
     zunSquad(zunSquad && other) noexcept;
     zunSquad & operator=(zunSquad && other) noexcept;
+    ///@}
     zunSquad(const zunSquad &) = delete;
     zunSquad & operator=(const zunSquad &) = delete;
     ~zunSquad();

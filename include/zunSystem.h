@@ -24,6 +24,8 @@
 #include "zunPath.h"
 #include "zunString.h"
 
+/// Thin services over the operating system: processes, libraries, user
+/// folders, cursor and keyboard.
 namespace zunSystem
 {
     /// Byte order: Little = 0, Big = 1.
@@ -237,9 +239,11 @@ namespace zunSystem
     /// and documents are XDG_DESKTOP_DIR and XDG_DOCUMENTS_DIR of the home
     /// folder's ".config/user-dirs.dirs", else its "Desktop" and "Documents".
     /// No environment variable is read; the folders need not exist.
+    ///@{
     ZUN_API zunPath GetUserDesktopFolder();
     ZUN_API zunPath GetUserDocumentFolder();
     ZUN_API zunPath GetUserHomeFolder();
+    ///@}
 
     /// Hides the mouse cursor. Hides nest: the first saves the current cursor,
     /// each one must be balanced by a RestoreCursor.

@@ -40,8 +40,12 @@ public:
     zunUTF16 & operator=(const zunUTF16 & other);
 
     /// The converted text; null if there is none.
+    ///@{
     const zunWChar * Get16() const { return m_pText; }
     operator const zunWChar *() const { return m_pText; }
+    ///@}
+    /// The number of converted units, a terminator converted with the text
+    /// included.
     unsigned int Length() const { return m_nLength; }
 
     /// A new UTF-8 text of a UTF-16 text. Null if the conversion gave nothing
@@ -69,8 +73,12 @@ public:
     zunUTF8 & operator=(const zunUTF8 & other);
 
     /// The converted text; null if there is none.
+    ///@{
     const char * Get8() const { return m_pText; }
     operator const char *() const { return m_pText; }
+    ///@}
+    /// The number of converted bytes, a terminator converted with the text
+    /// included.
     unsigned int Length() const { return m_nLength; }
 
     /// A new UTF-16 text of a UTF-8 text. Null if the conversion gave nothing

@@ -47,6 +47,8 @@
 
 struct zunFile;
 
+/// The extension records of one object, each under a registered zunGUID, and
+/// the process-wide registry of those ids.
 class ZUN_API zunUserDataManager
 {
 public:
@@ -55,6 +57,7 @@ public:
     {
     public:
         UserData() = default;
+        /// Copies nothing: the base has no fields.
         UserData(const UserData &) = default;
         /// Changes nothing: the base has no fields.
         UserData & operator=(const UserData &) = default;
@@ -69,14 +72,16 @@ public:
         virtual void Read(zunFile & file);
     };
 
+    /// Makes an empty record of a serializable id, for Read to fill.
     using Creator = std::function<std::unique_ptr<UserData>()>;
 
+    /// The results of the registry and record operations.
     enum Error : int
     {
         NoError = 0,
         AlreadyRegistered = 1, ///< the registry is unchanged
         NoCreator = 2,         ///< RegisterSerializableUserData was given an empty function
-        NotRegistered = 3
+        NotRegistered = 3      ///< the id is not in the registry; nothing is stored
     };
 
     /// The FCC of a record's chunk: "data" from the lowest byte up.
@@ -90,7 +95,12 @@ public:
     // NOLINTNEXTLINE(performance-noexcept-move-constructor): see above.
     zunUserDataManager(zunUserDataManager && other);
     ~zunUserDataManager();
+    /// Empties this manager, then clones each record of `other` whose
+    /// IsTransferable is true; assigned to itself, the manager ends up empty.
     zunUserDataManager & operator=(const zunUserDataManager & other);
+    /// Swaps the two managers' records, then drops this one's records that
+    /// are not transferable (also when moving to itself); `other` keeps what
+    /// this manager held.
     // NOLINTNEXTLINE(performance-noexcept-move-constructor): asks the records IsTransferable.
     zunUserDataManager & operator=(zunUserDataManager && other);
 
@@ -113,6 +123,9 @@ public:
 
     /// Replaces the records with those of the file.
     void Read(zunFile & file);
+    /// The count, then one chunk per record of a serializable id, in
+    /// ascending id order; volatile ids and entries without a record are left
+    /// out. Throws zunException when the bytes don't go out.
     void Write(zunFile & file) const;
 
 private:
