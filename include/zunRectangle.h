@@ -194,6 +194,7 @@ public:
     /// Both sizes exactly zero, whatever the position.
     bool IsNull() const;
     /// int: width >= 1 and height >= 1; double: width > 0.0 and height > 0.0.
+    /// A NaN size is neither empty nor valid.
     bool IsValid() const;
 };
 

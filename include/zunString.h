@@ -104,7 +104,7 @@ template <typename C, typename H> struct zunStringT
     zunStringT & operator<<(const zunStringT & other);
     /// Appends the text converted from the other encoding; null appends nothing.
     zunStringT & operator<<(const OtherChar * text);
-    /// Appends `other`'s text converted; a string with no text appends nothing.
+    /// Appends `other`'s text converted from the other encoding.
     zunStringT & operator<<(const OtherString & other);
 
     // ---- Formatting.

@@ -129,7 +129,8 @@ public:
     unsigned int FlaggedCount() const { return m_nFlagged; }
 
     /// Iterators over the entry texts, first to last (reverse: last to
-    /// first); valid as long as the list object lives, whatever the edits.
+    /// first). They hold the list's address and an index, so edits don't
+    /// invalidate them; an index past Count() after a removal is not checked.
     ///@{
     const_iterator begin() const { return const_iterator(this, 0); }
     const_iterator end() const { return const_iterator(this, Count()); }
