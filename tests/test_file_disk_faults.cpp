@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "Unprivileged.h"
 #include "zunException.h"
 #include "zunFileDisk.h"
 #include "zunPath.h"
@@ -145,8 +146,7 @@ TEST(DiskFaults, WritingAStreamOpenedForReading)
 
 // A file made read-only while a stream writes it: the open descriptor keeps
 // the rights it was opened with, so every byte still goes out; a stream
-// opened afterwards for writing is refused (unless the process may write
-// anything, as root may).
+// opened afterwards for writing is refused.
 TEST(DiskFaults, FileMadeReadOnlyMidway)
 {
     Folder folder;
@@ -162,11 +162,12 @@ TEST(DiskFaults, FileMadeReadOnlyMidway)
     ASSERT_EQ(chmod(name.c_str(), 0444), 0);
     EXPECT_EQ(WriteAll(*file, second), "");
     EXPECT_EQ(BytesOf(name), bytes);
-    if (geteuid() != 0)
-    {
-        EXPECT_EQ(zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::OpenExisting),
-                  nullptr);
-    }
+    ASSERT_TRUE(testsupport::OpenToOthers(folder.path));
+    EXPECT_TRUE(testsupport::AsUnprivilegedUser(
+        [&] {
+            return zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::OpenExisting) ==
+                   nullptr;
+        }));
 }
 
 // The folder of an open stream removed: the file lives on until the stream

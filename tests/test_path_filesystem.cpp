@@ -26,6 +26,7 @@
 #include <zunFoundation.h>
 
 #include "ChannelCapture.h"
+#include "Unprivileged.h"
 #include "platform/FileSystem.h"
 #include "platform/NameMask.h"
 
@@ -45,28 +46,6 @@ namespace
         zunString text;
         text = path.WinRepresentation();
         return Str(text);
-    }
-
-    bool IsRoot()
-    {
-        return geteuid() == 0;
-    }
-
-    // Runs `check` as the user "nobody" in a child process when this one is
-    // the super-user (whom the system lets past permission bits), else here.
-    bool AsUnprivilegedUser(const std::function<bool()> & check)
-    {
-        if (!IsRoot())
-            return check();
-        const pid_t child = fork();
-        if (child == 0)
-        {
-            const bool dropped = setgid(65534) == 0 && setuid(65534) == 0;
-            _exit(dropped && check() ? 0 : 1);
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        return WIFEXITED(status) && WEXITSTATUS(status) == 0;
     }
 
     // Puts the current folder back when it goes.
@@ -245,14 +224,14 @@ TEST_F(PathDisk, InfoNeedsAFileThatCanBeRead)
     const zunPath secret = At("secret");
     // The system decides: an unprivileged user cannot read it, so there is no
     // Info; the super-user can.
-    EXPECT_TRUE(AsUnprivilegedUser(
+    EXPECT_TRUE(testsupport::AsUnprivilegedUser(
         [&]
         {
             zunPath::Info info;
             return !secret.GetInfo(info) && !secret.ExistsAs(zunPath::AnyObject);
         }));
     zunPath::Info info;
-    EXPECT_EQ(secret.GetInfo(info), IsRoot());
+    EXPECT_EQ(secret.GetInfo(info), testsupport::IsSuperuser());
 }
 
 TEST_F(PathDisk, ExistsAs)
@@ -338,7 +317,8 @@ TEST_F(PathDisk, CreateFolderFailsWithoutAPlaceToMakeIt)
     SetMode("locked", 0555);
     chmod(m_native.c_str(), 0755);
     const zunPath inLocked = At(R"(locked\sub)");
-    EXPECT_TRUE(AsUnprivilegedUser([&] { return !inLocked.CreateFolder(zunPath::Recursive, zunPath::PathIsFolder); }));
+    EXPECT_TRUE(testsupport::AsUnprivilegedUser(
+        [&] { return !inLocked.CreateFolder(zunPath::Recursive, zunPath::PathIsFolder); }));
 }
 
 // ---- VisitFolder ---------------------------------------------------------------------------
@@ -588,7 +568,8 @@ TEST_F(PathDisk, DeleteFolderRecursiveIsTrueWhenTheSystemRefuses)
     const zunPath tree = At("tree");
     // The file in the closed folder stays, with its folders, and the walk
     // still says true.
-    EXPECT_TRUE(AsUnprivilegedUser([&] { return tree.DeleteFolderRecursive() && tree.ExistsAs(zunPath::Folder); }));
+    EXPECT_TRUE(testsupport::AsUnprivilegedUser(
+        [&] { return tree.DeleteFolderRecursive() && tree.ExistsAs(zunPath::Folder); }));
     EXPECT_TRUE(Exists("tree/closed/file"));
     EXPECT_FALSE(Exists("tree/open"));
 }
