@@ -16,42 +16,17 @@
 #include <unistd.h>
 #include <vector>
 
+#include "TemporaryFolder.h"
 #include "platform/DiskFile.h"
 
 namespace
 {
-    // A fresh folder of its own for each test, removed with what it holds.
-    class DiskFolder
-    {
-    public:
-        DiskFolder()
-        {
-            char pattern[] = "/tmp/zun_file_disk_XXXXXX";
-            const char * made = mkdtemp(pattern);
-            if (made != nullptr)
-                m_folder = made;
-        }
-        ~DiskFolder()
-        {
-            if (!m_folder.empty())
-                std::system(("rm -rf '" + m_folder + "'").c_str());
-        }
-        std::string Name(const char * leaf) const { return m_folder + "/" + leaf; }
-        const std::string & Folder() const { return m_folder; }
-
-    private:
-        std::string m_folder;
-    };
+    using DiskFolder = testsupport::TemporaryFolder;
 
     std::vector<unsigned char> ReadAll(const std::string & name)
     {
         std::ifstream in(name, std::ios::binary);
         return std::vector<unsigned char>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-    }
-
-    void WriteAll(const std::string & name, const std::string & bytes)
-    {
-        std::ofstream(name, std::ios::binary) << bytes;
     }
 
     bool Exists(const std::string & name)
@@ -76,7 +51,7 @@ namespace
     class DebugPrintCapture
     {
     public:
-        explicit DebugPrintCapture(const DiskFolder & folder) : m_name(folder.Name("debug.txt"))
+        explicit DebugPrintCapture(const DiskFolder & folder) : m_name(folder.File("debug.txt"))
         {
             zunSetDprintfFile(zunPath(m_name.c_str()));
         }
@@ -130,7 +105,7 @@ namespace
 TEST(FileDisk, CreateAlwaysWritesAndReadsBack)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("doc.bin");
+    const std::string name = folder.File("doc.bin");
     {
         auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::CreateAlways);
         ASSERT_TRUE(file);
@@ -156,7 +131,7 @@ TEST(FileDisk, CreateAlwaysWritesAndReadsBack)
 TEST(FileDisk, CreateAlwaysRaisesReadAccessToWriting)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("raised.bin");
+    const std::string name = folder.File("raised.bin");
     auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::Read, zunFileDisk::CreateAlways);
     ASSERT_TRUE(file);
     file->Write_Int32(7);
@@ -167,8 +142,8 @@ TEST(FileDisk, CreateAlwaysRaisesReadAccessToWriting)
 TEST(FileDisk, TruncateExistingEmptiesAndWrites)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("t.bin");
-    WriteAll(name, "0123456789");
+    const std::string name = folder.File("t.bin");
+    testsupport::WriteBytes(name, "0123456789");
     auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::Read, zunFileDisk::TruncateExisting);
     ASSERT_TRUE(file);
     EXPECT_TRUE(file->IsEOF());
@@ -176,18 +151,18 @@ TEST(FileDisk, TruncateExistingEmptiesAndWrites)
     file->Close();
     EXPECT_EQ(ReadAll(name), (std::vector<unsigned char>{9}));
 
-    EXPECT_FALSE(zunFileDisk::Create(zunPath(folder.Name("missing").c_str()), zunFileDisk::ReadWrite,
+    EXPECT_FALSE(zunFileDisk::Create(zunPath(folder.File("missing").c_str()), zunFileDisk::ReadWrite,
                                      zunFileDisk::TruncateExisting));
 }
 
 TEST(FileDisk, OpenExistingNeedsTheFileAndKeepsIt)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("kept.bin");
+    const std::string name = folder.File("kept.bin");
     EXPECT_FALSE(zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::OpenExisting));
     EXPECT_FALSE(Exists(name));
 
-    WriteAll(name, "abcdef");
+    testsupport::WriteBytes(name, "abcdef");
     auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::OpenExisting);
     ASSERT_TRUE(file);
     file->SetCurrPos(2, zunFile::FromStart);
@@ -200,11 +175,11 @@ TEST(FileDisk, OpenExistingNeedsTheFileAndKeepsIt)
 TEST(FileDisk, AnyOtherModeActsAsOpenExisting)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("other.bin");
+    const std::string name = folder.File("other.bin");
     EXPECT_FALSE(
         zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, static_cast<zunFileDisk::OpenMode>(9)));
     EXPECT_FALSE(Exists(name));
-    WriteAll(name, "x");
+    testsupport::WriteBytes(name, "x");
     EXPECT_TRUE(
         zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, static_cast<zunFileDisk::OpenMode>(9)));
 }
@@ -212,7 +187,7 @@ TEST(FileDisk, AnyOtherModeActsAsOpenExisting)
 TEST(FileDisk, OpenAlwaysCreatesOrKeeps)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("always.bin");
+    const std::string name = folder.File("always.bin");
     {
         auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::OpenAlways);
         ASSERT_TRUE(file);
@@ -228,13 +203,13 @@ TEST(FileDisk, OpenAlwaysCreatesOrKeeps)
 TEST(FileDisk, ReadAccessCreatesAReadOnlyFile)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("readonly.bin");
+    const std::string name = folder.File("readonly.bin");
     ASSERT_TRUE(zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::Read, zunFileDisk::CreateNew));
     EXPECT_TRUE(Exists(name));
     EXPECT_EQ(Permissions(name) & 0222u, 0u);
     // Any access number but ReadWrite opens for reading: this one creates a
     // read-only file too.
-    const std::string other = folder.Name("other.bin");
+    const std::string other = folder.File("other.bin");
     ASSERT_TRUE(
         zunFileDisk::Create(zunPath(other.c_str()), static_cast<zunFileDisk::Access>(5), zunFileDisk::OpenAlways));
     EXPECT_EQ(Permissions(other) & 0222u, 0u);
@@ -243,8 +218,8 @@ TEST(FileDisk, ReadAccessCreatesAReadOnlyFile)
 TEST(FileDisk, OpeningForReadingClearsTheReadOnlyAttribute)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("locked.bin");
-    WriteAll(name, "data");
+    const std::string name = folder.File("locked.bin");
+    testsupport::WriteBytes(name, "data");
     ASSERT_EQ(chmod(name.c_str(), 0444), 0);
     auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::Read, zunFileDisk::OpenExisting);
     ASSERT_TRUE(file);
@@ -254,8 +229,8 @@ TEST(FileDisk, OpeningForReadingClearsTheReadOnlyAttribute)
 TEST(FileDisk, ReadOnlyFileOpenedForWritingIsMadeWriteable)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("locked.bin");
-    WriteAll(name, "data");
+    const std::string name = folder.File("locked.bin");
+    testsupport::WriteBytes(name, "data");
     ASSERT_EQ(chmod(name.c_str(), 0444), 0);
     auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::OpenExisting);
     ASSERT_TRUE(file);
@@ -268,8 +243,8 @@ TEST(FileDisk, ReadOnlyFileOpenedForWritingIsMadeWriteable)
 TEST(FileDisk, CreateNewOverAnExistingFileLogsFileExists)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("exists.bin");
-    WriteAll(name, "keep me");
+    const std::string name = folder.File("exists.bin");
+    testsupport::WriteBytes(name, "keep me");
     DebugPrintCapture capture(folder);
     EXPECT_FALSE(zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::CreateNew));
     EXPECT_NE(capture.Text().find("open failed with error 17 file exists"), std::string::npos) << capture.Text();
@@ -279,7 +254,7 @@ TEST(FileDisk, CreateNewOverAnExistingFileLogsFileExists)
 TEST(FileDisk, FolderThatIsGoneGivesNull)
 {
     DiskFolder folder;
-    const std::string gone = folder.Name("gone");
+    const std::string gone = folder.File("gone");
     ASSERT_EQ(mkdir(gone.c_str(), 0777), 0);
     ASSERT_EQ(rmdir(gone.c_str()), 0);
     DebugPrintCapture capture(folder);
@@ -299,7 +274,7 @@ TEST(FileDisk, EmptyPathGivesNullSilently)
 TEST(FileDisk, FileOpenedFromAnUnlinkedFolderKeepsWorking)
 {
     DiskFolder folder;
-    const std::string sub = folder.Name("sub");
+    const std::string sub = folder.File("sub");
     ASSERT_EQ(mkdir(sub.c_str(), 0777), 0);
     const std::string name = sub + "/doc.bin";
     auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::CreateAlways);
@@ -317,8 +292,8 @@ TEST(FileDisk, FileOpenedFromAnUnlinkedFolderKeepsWorking)
 TEST(FileDisk, WritingThroughAReadStreamFailsAtTheFlush)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("ro.bin");
-    WriteAll(name, "abcd");
+    const std::string name = folder.File("ro.bin");
+    testsupport::WriteBytes(name, "abcd");
     auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::Read, zunFileDisk::OpenExisting);
     ASSERT_TRUE(file);
     file->Write_Int32(5); // lands in the block
@@ -329,7 +304,7 @@ TEST(FileDisk, WritingThroughAReadStreamFailsAtTheFlush)
 TEST(FileDisk, FileTooLargeThrowsAndLosesNothingWritten)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("big.bin");
+    const std::string name = folder.File("big.bin");
     auto file = zunFileDisk::Create(zunPath(name.c_str()), zunFileDisk::ReadWrite, zunFileDisk::CreateAlways);
     ASSERT_TRUE(file);
 
@@ -401,7 +376,7 @@ TEST(FileDisk, TemporaryStreamFromAnEmptyPathHasADigitName)
 TEST(FileDisk, FileThatCannotSeekThrowsFromCreate)
 {
     DiskFolder folder;
-    const std::string name = folder.Name("pipe");
+    const std::string name = folder.File("pipe");
     ASSERT_EQ(mkfifo(name.c_str(), 0666), 0);
     // Opened for reading and writing, a pipe opens at once, and the stream's
     // first question, its position, fails.
@@ -414,7 +389,7 @@ TEST(FileDisk, FileThatCannotSeekThrowsFromCreate)
 TEST(FileDisk, ReadingAFolderThrows)
 {
     DiskFolder folder;
-    auto file = zunFileDisk::Create(zunPath(folder.Folder().c_str()), zunFileDisk::Read, zunFileDisk::OpenExisting);
+    auto file = zunFileDisk::Create(zunPath(folder.path.c_str()), zunFileDisk::Read, zunFileDisk::OpenExisting);
     ASSERT_TRUE(file); // a descriptor of a folder opens for reading
     int value = 0;
     file->SetCacheSize(0);

@@ -18,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "TemporaryFolder.h"
 #include "Unprivileged.h"
 #include "zunException.h"
 #include "zunFileDisk.h"
@@ -38,24 +39,6 @@ namespace
         std::ifstream stream(file, std::ios::binary);
         return std::vector<unsigned char>(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
     }
-
-    /// A fresh folder, removed with what is left in it at the end.
-    struct Folder
-    {
-        std::string path;
-        Folder()
-        {
-            char pattern[] = "/tmp/zun_disk_faults_XXXXXX";
-            path = mkdtemp(pattern);
-        }
-        ~Folder()
-        {
-            const std::string command = "chmod -R u+rwx '" + path + "' 2>/dev/null; rm -rf '" + path + "'";
-            if (std::system(command.c_str()) != 0)
-                std::abort();
-        }
-        std::string File(const char * name) const { return path + "/" + name; }
-    };
 
     /// Writes `bytes` in pieces of 1000 and closes; the debug description of
     /// the failure, or the empty text if everything went out.
@@ -86,7 +69,7 @@ namespace
 // SIGXFSZ stay there.
 TEST(DiskFaults, FileSizeLimitGivesFileTooLarge)
 {
-    Folder folder;
+    testsupport::TemporaryFolder folder;
     const std::string name = folder.File("limited.bin");
     const std::vector<unsigned char> bytes = Pattern(300000);
     const pid_t child = fork();
@@ -132,7 +115,7 @@ TEST(DiskFaults, FullDeviceGivesNoSpace)
 // A stream opened for reading refuses the writes that reach the file.
 TEST(DiskFaults, WritingAStreamOpenedForReading)
 {
-    Folder folder;
+    testsupport::TemporaryFolder folder;
     const std::string name = folder.File("read.bin");
     std::ofstream(name, std::ios::binary) << "contents";
     std::unique_ptr<zunFile> file =
@@ -149,7 +132,7 @@ TEST(DiskFaults, WritingAStreamOpenedForReading)
 // opened afterwards for writing is refused.
 TEST(DiskFaults, FileMadeReadOnlyMidway)
 {
-    Folder folder;
+    testsupport::TemporaryFolder folder;
     const std::string name = folder.File("midway.bin");
     const std::vector<unsigned char> bytes = Pattern(200000);
     std::unique_ptr<zunFile> file =
@@ -174,7 +157,7 @@ TEST(DiskFaults, FileMadeReadOnlyMidway)
 // closes, writing goes on without failure, and the name is gone.
 TEST(DiskFaults, FolderRemovedUnderAnOpenStream)
 {
-    Folder folder;
+    testsupport::TemporaryFolder folder;
     const std::string inner = folder.path + "/inner";
     ASSERT_EQ(mkdir(inner.c_str(), 0700), 0);
     const std::string name = inner + "/doomed.bin";

@@ -98,6 +98,15 @@ namespace
         WriteChunk(file, id, std::vector<int>{payload}, fcc);
     }
 
+    /// Reads the user-data block of `mesh` into `manager` from its start; the
+    /// reader, standing where the read left it.
+    std::unique_ptr<zunFile> ReadInto(Manager & manager, const zunFastMesh<unsigned char> & mesh)
+    {
+        auto file = Reader(mesh);
+        manager.Read(*file);
+        return file;
+    }
+
     struct Thrown
     {
         std::string location, function, debugDescription;
@@ -197,8 +206,7 @@ TEST_F(UserData, ZeroCountIsFourBytesAndReadingItEmpties)
     EXPECT_EQ(BytesOf(mesh), (Bytes{0, 0, 0, 0}));
     Manager manager;
     manager.SetUserData(id, std::make_unique<Number>(1));
-    auto file = Reader(mesh);
-    manager.Read(*file);
+    ReadInto(manager, mesh);
     EXPECT_EQ(manager.GetUserData<Number>(id), nullptr);
 }
 
@@ -256,8 +264,7 @@ TEST_F(UserData, RegistrationRules)
             WriteChunk(f, id, std::vector<int>{});
         });
     Manager manager;
-    auto file = Reader(mesh);
-    manager.Read(*file);
+    ReadInto(manager, mesh);
     EXPECT_EQ(ValueOf(manager, id), 11);
 
     const zunGUID volatileId = VolatileId();
@@ -310,8 +317,7 @@ TEST_F(UserData, ReadingSkipsUnknownAndVolatileIds)
             WriteChunk(f, last, 4);
         });
     Manager manager;
-    auto file = Reader(mesh);
-    manager.Read(*file);
+    auto file = ReadInto(manager, mesh);
     EXPECT_EQ(ValueOf(manager, first), 1);
     EXPECT_EQ(ValueOf(manager, last), 4);
     EXPECT_EQ(manager.GetUserData<Number>(volatileId), nullptr);
@@ -330,8 +336,7 @@ TEST_F(UserData, TheFirstChunkOfAnIdWins)
             WriteChunk(f, id, 2);
         });
     Manager manager;
-    auto file = Reader(mesh);
-    manager.Read(*file);
+    ReadInto(manager, mesh);
     EXPECT_EQ(ValueOf(manager, id), 1);
     EXPECT_EQ(g_liveRecords, 1);
 }
@@ -349,8 +354,7 @@ TEST_F(UserData, PayloadIsFencedByItsChunk)
             WriteChunk(f, next, 9);
         });
     Manager manager;
-    auto file = Reader(mesh);
-    manager.Read(*file);
+    ReadInto(manager, mesh);
     EXPECT_EQ(ValueOf(manager, id), 8);
     EXPECT_EQ(ValueOf(manager, next), 9);
 }
@@ -368,8 +372,7 @@ TEST_F(UserData, CreatorGivingNoRecordIsSkipped)
             WriteChunk(f, next, 2);
         });
     Manager manager;
-    auto file = Reader(mesh);
-    manager.Read(*file);
+    ReadInto(manager, mesh);
     EXPECT_EQ(manager.GetUserData<Number>(id), nullptr);
     EXPECT_EQ(ValueOf(manager, next), 2);
 }
@@ -544,8 +547,7 @@ TEST_F(UserData, ChunkWithPartOfAnIdNamesAnUnknownId)
             WriteChunk(f, id, 1);
         });
     Manager manager;
-    auto file = Reader(mesh);
-    manager.Read(*file);
+    ReadInto(manager, mesh);
     EXPECT_EQ(ValueOf(manager, id), 1);
     EXPECT_EQ(g_liveRecords, 1);
 }
