@@ -543,7 +543,7 @@ namespace zunSignalPrivate
                 m_emitters.erase(receiver);
                 throw;
             }
-            tracker.release();
+            static_cast<void>(tracker.release()); // the notice's handler list owns it now
         }
         this->m_handlers.push_back(connection.release());
         return true;

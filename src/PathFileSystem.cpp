@@ -200,6 +200,8 @@ bool zunPath::MakeWriteable(bool writeable) const
     return zunPlatform::ChangeAttribute(Text(), zunPlatform::AttributeWriteable, writeable);
 }
 
+// The interface takes the visitor by value; the walk passes it on by reference.
+// NOLINTNEXTLINE(performance-unnecessary-value-param)
 bool zunPath::VisitFolder(const zunString & mask, zunPath::TraverseMode mode, Visitor visitor) const
 {
     return Walk(mask, mode, visitor, 0);

@@ -32,7 +32,7 @@ ZUN_DEMO_SECTION(70, "Paths are text in one canonical form")
     ShowPath("GetParent(1)", scene.GetParent(1));
     ShowPath("GoUp(2) on a\\b\\c", zunPath("a\\b\\c").GoUp(2));
     ShowPath("GoUp(1) on C:\\", zunPath("C:\\").GoUp(1));
-    ShowPath("C:\\a\\b\\c relative to C:\\A\\", zunPath("C:\\a\\b\\c").GetRelativePath(zunPath("C:\\A\\")));
+    ShowPath(R"(C:\a\b\c relative to C:\A\)", zunPath(R"(C:\a\b\c)").GetRelativePath(zunPath(R"(C:\A\)")));
     ShowPath("b\\c made absolute in \\data", zunPath("b\\c").GetAbsolutePath(zunPath("\\data")));
     std::printf("A\\B == a\\b: %s; A < a: %s (equality is case-blind, order is not)\n",
                 zunPath("A\\B") == zunPath("a\\b") ? "true" : "false", zunPath("A") < zunPath("a") ? "true" : "false");

@@ -41,6 +41,15 @@ namespace zunPlatform
             return text;
         }
 
+        // `folder`/`name` in one allocation.
+        std::string ChildPath(const std::string & folder, const std::string & name)
+        {
+            std::string path;
+            path.reserve(folder.size() + 1 + name.size());
+            path.append(folder).append(1, '/').append(name);
+            return path;
+        }
+
         zunStringW Wide(const char * text)
         {
             zunStringW wide;
@@ -193,7 +202,7 @@ namespace zunPlatform
             {
                 const std::string name = entry->d_name;
                 if (name != "." && name != "..")
-                    copied = CopyEntry(from + "/" + name, to + "/" + name) && copied;
+                    copied = CopyEntry(ChildPath(from, name), ChildPath(to, name)) && copied;
             }
             closedir(folder);
             const struct timespec times[2] = {source.st_atim, source.st_mtim};
