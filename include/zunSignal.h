@@ -59,6 +59,7 @@
 #define ZUN_SIGNAL_H
 
 #include <algorithm>
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <mutex>
@@ -417,7 +418,14 @@ namespace zunSignalPrivate
 
     template <class Policy, class... Args> void Signal<Policy, Args...>::EmitLocked(Args &... args)
     {
-        if (this->m_blocked != 0 || this->m_emitting != 0)
+        // Two separate reads: the compiler would otherwise merge them into one
+        // wide read, which waits for the narrow store of the previous
+        // emission's m_emitting to retire instead of taking it from the store
+        // buffer, and that stall cost more than the rest of a short emission.
+        if (this->m_blocked != 0)
+            return;
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+        if (this->m_emitting != 0)
             return;
         this->m_emitting = 1;
         {
