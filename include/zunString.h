@@ -38,11 +38,45 @@
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 #include "zunCharHelper.h"
 #include "zunConfig.h"
 #include "zunMem.h"
+
+namespace zunStringInline
+{
+    /// Whether the first and the last sizeof(W) bytes of `x` and `y` agree;
+    /// for 1 to 2 * sizeof(W) bytes, that is whether all of them do.
+    template <typename W> bool SameEnds(const unsigned char * x, const unsigned char * y, std::size_t bytes)
+    {
+        W x0, x1, y0, y1;
+        std::memcpy(&x0, x, sizeof(W));
+        std::memcpy(&x1, x + bytes - sizeof(W), sizeof(W));
+        std::memcpy(&y0, y, sizeof(W));
+        std::memcpy(&y1, y + bytes - sizeof(W), sizeof(W));
+        return ((x0 ^ y0) | (x1 ^ y1)) == 0;
+    }
+
+    /// Whether `bytes` bytes at `a` and `b` are equal; texts of up to 16
+    /// bytes are compared in registers, with two loads that may overlap.
+    inline bool SameBytes(const void * a, const void * b, std::size_t bytes)
+    {
+        const auto * x = static_cast<const unsigned char *>(a);
+        const auto * y = static_cast<const unsigned char *>(b);
+        if (bytes > 16)
+            return std::memcmp(x, y, bytes) == 0;
+        if (bytes >= 8)
+            return SameEnds<std::uint64_t>(x, y, bytes);
+        if (bytes >= 4)
+            return SameEnds<std::uint32_t>(x, y, bytes);
+        for (std::size_t i = 0; i < bytes; ++i)
+            if (x[i] != y[i])
+                return false;
+        return true;
+    }
+}
 
 template <typename C> class zunStringListT;
 struct zunFile;
@@ -200,7 +234,18 @@ template <typename C, typename H> struct zunStringT
     // ---- Equality: checksums, then lengths, then the units.
 
     /// The same units, case-sensitive; the null form equals the empty text.
-    bool operator==(const zunStringT & other) const;
+    /// Inline: most comparisons end at the two integer tests or at one memcmp.
+    bool operator==(const zunStringT & other) const
+    {
+        if (m_nChecksum != other.m_nChecksum || m_nLength != other.m_nLength)
+            return false;
+        if (m_pData != nullptr && other.m_pData != nullptr &&
+            zunStringInline::SameBytes(m_pData, other.m_pData, m_nLength * sizeof(C)))
+            return true;
+        // Units that differ can still compare equal when a 0 unit inside the
+        // texts ends the unit compare first; a null block compares as empty.
+        return H::Compare(m_pData, other.m_pData, StringCompareMode_Sensitive) == CompareResult_Equal;
+    }
     /// As against a string made from `text`; a null `text` equals an empty string.
     bool operator==(const C * text) const;
     /// Exactly the negation of operator==.

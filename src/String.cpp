@@ -6,12 +6,9 @@
 #include <cstring>
 #include <string>
 
+#include "StringChecksum.h"
 #include "UTFPrivate.h"
 #include "platform/WideFormat.h"
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace
 {
@@ -23,30 +20,9 @@ namespace
         return std::char_traits<C>::length(text);
     }
 
-    // The checksum: the sum of the low byte of each unit. Sixteen bytes at a
-    // time where the machine allows, so the pass every mutator pays stays
-    // close to the cost of a copy.
     template <typename C> std::uint64_t SumLowBytes(const C * text, std::size_t units)
     {
-        std::uint64_t sum = 0;
-        std::size_t i = 0;
-#if defined(__SSE2__)
-        const auto * bytes = reinterpret_cast<const unsigned char *>(text);
-        const std::size_t perBlock = 16 / sizeof(C);
-        __m128i total = _mm_setzero_si128();
-        for (; i + perBlock <= units; i += perBlock)
-        {
-            __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(bytes + i * sizeof(C)));
-            if constexpr (sizeof(C) == 2)
-                block = _mm_and_si128(block, _mm_set1_epi16(0x00FF)); // the high bytes take no part
-            total = _mm_add_epi64(total, _mm_sad_epu8(block, _mm_setzero_si128()));
-        }
-        sum = static_cast<std::uint64_t>(_mm_cvtsi128_si64(total)) +
-              static_cast<std::uint64_t>(_mm_cvtsi128_si64(_mm_unpackhi_epi64(total, total)));
-#endif
-        for (; i < units; ++i)
-            sum += static_cast<std::uint64_t>(text[i]) & 0xFF;
-        return sum;
+        return zunStringChecksum::SumLowBytes(text, units);
     }
 
     // A block of `units` units and a terminator, or null when the heap (or the
@@ -59,6 +35,20 @@ namespace
         if (!zunMemAlloc(block, static_cast<unsigned int>((units + 1) * sizeof(C)), false))
             return nullptr;
         return static_cast<C *>(block);
+    }
+
+    // Copies `length` units of `text` and a terminator into `block`, taking
+    // the checksum on the way, then frees the string's old block and takes
+    // this one. `text` may lie in the old block.
+    template <typename S, typename C> void AdoptCopy(S & string, C * block, const C * text, std::size_t length)
+    {
+        const std::uint64_t checksum = zunStringChecksum::CopySumLowBytes(block, text, length);
+        block[length] = 0;
+        void * old = string.m_pData;
+        zunMemFree(old);
+        string.m_pData = block;
+        string.m_nLength = static_cast<unsigned int>(length);
+        string.m_nChecksum = checksum;
     }
 
     template <typename C> void CopyUnits(C * dst, const C * src, std::size_t units)
@@ -151,9 +141,9 @@ template <typename C, typename H> zunStringT<C, H> & zunStringT<C, H>::operator=
     C * block = NewBlock<C>(length);
     if (block == nullptr)
         return *this;
-    // Copied before the old block goes: `text` may lie inside it.
-    CopyUnits(block, text, length + 1);
-    Adopt(block, static_cast<unsigned int>(length));
+    // Copied before the old block goes, as `text` may lie inside it; the
+    // checksum is taken on the way.
+    AdoptCopy(*this, block, text, length);
     return *this;
 }
 
@@ -232,13 +222,17 @@ template <typename C, typename H> unsigned int zunStringT<C, H>::Printf(const C 
 
 template <typename C, typename H> unsigned int zunStringT<C, H>::VPrintf(const C * format, va_list args)
 {
+    // The measuring pass formats into a buffer on the stack: a result that
+    // fits there is copied into its block, and only a longer one is
+    // formatted a second time, into the block itself.
+    C scratch[256];
     int needed = -1;
     if (format != nullptr)
     {
-        // The list is read twice, and reading consumes it: size with a copy.
+        // The list may be read twice, and reading consumes it: measure with a copy.
         va_list sizing;
         va_copy(sizing, args);
-        needed = FormatInto(static_cast<C *>(nullptr), 0, format, sizing);
+        needed = FormatInto(scratch, sizeof(scratch) / sizeof(C), format, sizing);
         va_end(sizing);
     }
     if (needed <= 0)
@@ -246,18 +240,24 @@ template <typename C, typename H> unsigned int zunStringT<C, H>::VPrintf(const C
         Clear();
         return 0;
     }
-    C * block = NewBlock<C>(static_cast<std::size_t>(needed));
+    const std::size_t length = static_cast<std::size_t>(needed);
+    C * block = NewBlock<C>(length);
     if (block == nullptr)
         return 0;
-    if (FormatInto(block, static_cast<std::size_t>(needed) + 1, format, args) != needed)
+    if (length < sizeof(scratch) / sizeof(C))
+    {
+        AdoptCopy(*this, block, scratch, length);
+        return m_nLength;
+    }
+    if (FormatInto(block, length + 1, format, args) != needed)
     {
         // Only a formatter that failed on its own scratch memory gets here.
         void * unused = block;
         zunMemFree(unused);
         return 0;
     }
-    Adopt(block, static_cast<unsigned int>(needed));
-    return static_cast<unsigned int>(needed);
+    Adopt(block, static_cast<unsigned int>(length));
+    return m_nLength;
 }
 
 // ---- Reading ----------------------------------------------------------------
@@ -397,13 +397,6 @@ template <typename C, typename H> void zunStringT<C, H>::ToLower()
 }
 
 // ---- Equality ---------------------------------------------------------------
-
-template <typename C, typename H> bool zunStringT<C, H>::operator==(const zunStringT & other) const
-{
-    if (m_nChecksum != other.m_nChecksum || m_nLength != other.m_nLength)
-        return false;
-    return SameText<H>(m_pData, other.m_pData, m_nLength);
-}
 
 template <typename C, typename H> bool zunStringT<C, H>::operator==(const C * text) const
 {

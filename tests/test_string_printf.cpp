@@ -137,6 +137,26 @@ TEST_F(StringPrintf, LongResults)
     EXPECT_EQ(w.GetAt(5002), u' ');
 }
 
+// Short results are measured and kept in one formatting pass, longer ones are
+// formatted again into their block: every length on both sides of that line
+// gives the whole text, its length and its checksum.
+TEST_F(StringPrintf, EveryLengthAroundTheOnePassLine)
+{
+    for (int width = 240; width <= 270; ++width)
+    {
+        zunString s;
+        ASSERT_EQ(s.Printf("%*d|%s", width, 5, "end"), static_cast<unsigned int>(width + 4));
+        const zunString expected((std::string(static_cast<std::size_t>(width - 1), ' ') + "5|end").c_str());
+        EXPECT_TRUE(s == expected) << width;
+        EXPECT_EQ(s.m_nChecksum, expected.m_nChecksum);
+
+        zunStringW w;
+        ASSERT_EQ(w.Printf(ZUN_W("%*d|%s%S"), width, 5, ZUN_W("en"), "d"), static_cast<unsigned int>(width + 4));
+        EXPECT_EQ(Wide(w), std::u16string(static_cast<std::size_t>(width - 1), u' ') + u"5|end") << width;
+        EXPECT_EQ(w.m_nChecksum, expected.m_nChecksum);
+    }
+}
+
 TEST_F(StringPrintf, AZeroCharacterCountsInTheLength)
 {
     zunString s;

@@ -17,6 +17,8 @@ namespace
     constexpr zunWChar kReplacement = 0xFFFD;
 
     // Where the result goes: counts everything, writes only with a buffer.
+    // A result that outgrows the buffer goes on being counted without being
+    // written, so that the caller learns the size it needs.
     class Output
     {
     public:
@@ -26,18 +28,19 @@ namespace
         // Units that may still be written here, the terminator's included.
         std::size_t Room() const { return m_capacity > m_length ? m_capacity - m_length : 0; }
         zunWChar * Cursor() const { return m_out + m_length; }
-        // Reserves `units` at the cursor; false (and nothing more is written)
-        // when they do not fit in front of the terminator.
-        bool Fits(std::size_t units)
+        // Reserves `units` at the cursor. When they do not fit in front of the
+        // terminator, nothing more is written (Writing turns false) and the
+        // rest is only counted.
+        void Reserve(std::size_t units)
         {
             if (m_out != nullptr && units >= Room())
-                m_failed = true;
-            return !m_failed;
+                m_out = nullptr;
         }
         void Advance(std::size_t units) { m_length += units; }
         void Put(zunWChar unit)
         {
-            if (Fits(1) && m_out != nullptr)
+            Reserve(1);
+            if (m_out != nullptr)
                 m_out[m_length] = unit;
             ++m_length;
         }
@@ -48,7 +51,7 @@ namespace
         }
         int Finish()
         {
-            if (m_failed || m_length > static_cast<std::size_t>(INT_MAX))
+            if (m_length > static_cast<std::size_t>(INT_MAX))
                 return -1;
             if (m_out != nullptr)
                 m_out[m_length] = 0;
@@ -59,7 +62,6 @@ namespace
         zunWChar * m_out;
         std::size_t m_capacity;
         std::size_t m_length = 0;
-        bool m_failed = false;
     };
 
     // va_list cannot be passed on by reference portably once it has decayed
@@ -269,17 +271,20 @@ namespace
         {
             char * bytes = reinterpret_cast<char *>(out.Cursor());
             produced = std::snprintf(bytes, out.Room() * sizeof(zunWChar), directive.text, value);
-            if (produced < 0 || !out.Fits(static_cast<std::size_t>(produced)))
+            if (produced < 0)
                 return false;
+            out.Reserve(static_cast<std::size_t>(produced));
             zunWChar * units = out.Cursor();
-            for (std::size_t i = static_cast<std::size_t>(produced); i-- > 0;)
-                units[i] = static_cast<unsigned char>(bytes[i]);
+            if (out.Writing())
+                for (std::size_t i = static_cast<std::size_t>(produced); i-- > 0;)
+                    units[i] = static_cast<unsigned char>(bytes[i]);
         }
         else
         {
             produced = std::snprintf(nullptr, 0, directive.text, value);
-            if (produced < 0 || !out.Fits(static_cast<std::size_t>(produced)))
+            if (produced < 0)
                 return false;
+            out.Reserve(static_cast<std::size_t>(produced));
         }
         out.Advance(static_cast<std::size_t>(produced));
         return true;
@@ -295,8 +300,7 @@ namespace
             *end++ = '-';
         end = AppendDecimal(end, value < 0 ? 0u - static_cast<unsigned int>(value) : static_cast<unsigned int>(value));
         const std::size_t count = static_cast<std::size_t>(end - text);
-        if (!out.Fits(count))
-            return false;
+        out.Reserve(count);
         if (out.Writing())
             for (std::size_t i = 0; i < count; ++i)
                 out.Cursor()[i] = static_cast<zunWChar>(text[i]);
@@ -391,8 +395,7 @@ namespace
         PutPadded(out, d, units,
                   [&]
                   {
-                      if (!out.Fits(units))
-                          return;
+                      out.Reserve(units);
                       if (out.Writing())
                           zunUTFPrivate::ToUTF16(text, bytes, out.Cursor(), units);
                       out.Advance(units);

@@ -16,8 +16,9 @@ namespace zunPlatform
     /// Formats `format` with `args`. Returns the units of the whole result
     /// (terminator not counted), or -1 for a format error or a result beyond
     /// INT_MAX units. With a null `out` nothing is written (the sizing pass);
-    /// otherwise `out` must have room for the result and its terminator
-    /// (`capacity` units): a result that does not fit gives -1.
+    /// otherwise up to `capacity` units are written, the terminator included.
+    /// A result that does not fit in front of the terminator (the return is
+    /// not below `capacity`) leaves a cut, unterminated text in `out`.
     int FormatWide(zunWChar * out, std::size_t capacity, const zunWChar * format, va_list args);
 }
 
