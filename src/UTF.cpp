@@ -291,9 +291,12 @@ namespace
     }
 
     // Gives back the unused tail of a worst-case block when it is worth a call.
+    // A block of up to 1 KiB keeps its tail: cutting it would split the
+    // allocator's chunk and cost more than the bytes are worth, and a block of
+    // one size that comes and goes is reused from the allocator's cache.
     template <typename T> T * FitBlock(T * block, std::size_t used, std::size_t allocated)
     {
-        if (allocated - used < 64)
+        if (allocated - used < 64 || allocated * sizeof(T) <= 1024)
             return block;
         void * fitted = std::realloc(block, used * sizeof(T));
         return fitted != nullptr ? static_cast<T *>(fitted) : block;
