@@ -14,8 +14,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #include "CpuClones.h"
+#include "Double4.h"
 #include "Vector3Math.h"
 
 namespace
@@ -83,6 +85,40 @@ namespace
         }
     }
 
+    /// The columns of the matrix as four-lane values: lane j of column i is
+    /// element 4i + j, what the coordinate i contributes to the result j.
+    struct Columns
+    {
+        zunDouble4::Double4 c[4];
+
+        explicit Columns(const Elements & k)
+        {
+            for (int i = 0; i < 4; ++i)
+                c[i] = zunDouble4::Load(k.e + 4 * i);
+        }
+    };
+
+    /// One point of four doubles, read first and stored whole: the four
+    /// results are computed side by side, each with the sums in the order of
+    /// ApplyReadFirst and so to the same bits. The fourth lane gets what that
+    /// form leaves in d[3]: its own result, the source's w, or d[3] as it was.
+    /// (Float points gain nothing measurable from it: they keep the compiler's
+    /// vectorised loop.)
+    template <Formula F, bool CopyW>
+    __attribute__((always_inline)) inline void ApplyWhole(const Columns & k, const double * s, double * d)
+    {
+        using zunDouble4::Double4;
+        const double x = s[0], y = s[1], z = s[2], w = s[3];
+        Double4 r = Double4{x, x, x, x} * k.c[0] + Double4{y, y, y, y} * k.c[1] + Double4{z, z, z, z} * k.c[2];
+        if constexpr (F == Formula::Full)
+            r = r + Double4{w, w, w, w} * k.c[3];
+        else if constexpr (F != Formula::Direction)
+            r = r + k.c[3];
+        if constexpr (F != Formula::Full && F != Formula::PointW)
+            r[3] = CopyW ? w : d[3];
+        zunDouble4::Store(d, r);
+    }
+
     /// One point as the forms that read the source again between their stores
     /// (the zunVector4T and packed-normal forms with a separate target): what
     /// they give when the caller lets source and target overlap.
@@ -114,8 +150,15 @@ namespace
     {
         const Elements local = k;
         const std::size_t stride = kStep ? kStep : step;
-        for (unsigned int i = 0; i < count; ++i)
-            ApplyReadFirst<F, false>(local, points + i * stride, points + i * stride);
+        if constexpr (kStep == 4 && std::is_same<T, double>::value)
+        {
+            const Columns columns(local);
+            for (unsigned int i = 0; i < count; ++i)
+                ApplyWhole<F, false>(columns, points + i * stride, points + i * stride);
+        }
+        else
+            for (unsigned int i = 0; i < count; ++i)
+                ApplyReadFirst<F, false>(local, points + i * stride, points + i * stride);
     }
 
     template <Formula F, typename T> void InPlace(const Elements & k, T * points, unsigned int count, unsigned int step)
@@ -135,8 +178,15 @@ namespace
     {
         const Elements local = k;
         const std::size_t in = kIn ? kIn : sourceStep, out = kOut ? kOut : targetStep;
-        for (unsigned int i = 0; i < count; ++i)
-            ApplyReadFirst<F, CopyW>(local, source + i * in, target + i * out);
+        if constexpr (kIn == 4 && kOut == 4 && std::is_same<In, double>::value && std::is_same<Out, double>::value)
+        {
+            const Columns columns(local);
+            for (unsigned int i = 0; i < count; ++i)
+                ApplyWhole<F, CopyW>(columns, source + i * in, target + i * out);
+        }
+        else
+            for (unsigned int i = 0; i < count; ++i)
+                ApplyReadFirst<F, CopyW>(local, source + i * in, target + i * out);
     }
 
     template <Formula F, bool CopyW, typename In, typename Out>
