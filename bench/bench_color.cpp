@@ -126,7 +126,7 @@ namespace
     void BM_BlendFunction_EvalArray(benchmark::State & state)
     {
         std::vector<double> inputs = UnitInputs();
-        const zunBlendFunction blend(state.range(0) / 100.0);
+        const zunBlendFunction blend(static_cast<double>(state.range(0)) / 100.0);
         zunFastMesh<double> results;
         for (auto _ : state)
         {
@@ -158,7 +158,7 @@ namespace
     {
         const std::vector<double> inputs = UnitInputs();
         std::vector<double> results(kColors);
-        const double T = state.range(0) / 100.0;
+        const double T = static_cast<double>(state.range(0)) / 100.0;
         for (auto _ : state)
         {
             for (int i = 0; i < kColors; ++i)

@@ -33,7 +33,7 @@ namespace
         char folder[] = "/tmp/zun_bench_settings_XXXXXX";
         if (mkdtemp(folder) == nullptr)
             std::abort();
-        const std::string path = std::string(folder) + "/settings.ini";
+        std::string path = std::string(folder) + "/settings.ini";
         std::ofstream out(path);
         for (int s = 0; s < lines / kLinesPerSection; ++s)
         {
@@ -77,7 +77,7 @@ namespace
     // The rewrites go to a copy, so every run starts from the same file.
     std::string CopyOfFile(int lines)
     {
-        const std::string copy = File(lines) + ".copy";
+        std::string copy = File(lines) + ".copy";
         std::ifstream in(File(lines), std::ios::binary);
         std::ofstream(copy, std::ios::binary) << in.rdbuf();
         return copy;
@@ -91,6 +91,7 @@ namespace
     std::vector<Change> Changes(int lines)
     {
         std::vector<Change> list;
+        list.reserve(kChanges);
         const int sections = lines / kLinesPerSection;
         for (int i = 0; i < kChanges; ++i)
             list.push_back(

@@ -28,7 +28,8 @@ namespace
         long sum = 0;
         void Add(int value) { sum += value; }
     };
-    __attribute__((noinline)) PlainNode::~PlainNode() {}
+    // Out of line and not inlined, as the destructor of a watched object is.
+    __attribute__((noinline)) PlainNode::~PlainNode() {} // NOLINT(modernize-use-equals-default)
 
     template <class Policy> void DeathOfUnwatchedObject(benchmark::State & state)
     {
@@ -71,6 +72,7 @@ namespace
     {
         std::vector<PlainNode> nodes(static_cast<std::size_t>(state.range(0)));
         std::vector<std::function<void(int)>> handlers;
+        handlers.reserve(nodes.size());
         for (auto & node : nodes)
             handlers.emplace_back([&node](int value) { node.Add(value); });
         for (auto _ : state)

@@ -21,7 +21,7 @@ namespace
         {
             char name[32];
             std::snprintf(name, sizeof name, "component_%05lld", static_cast<long long>(i));
-            names.push_back(name);
+            names.emplace_back(name);
         }
         return names;
     }
@@ -30,6 +30,7 @@ namespace
     {
         const std::vector<std::string> names = Names(state.range(0));
         std::vector<zunString> texts;
+        texts.reserve(names.size());
         for (const std::string & name : names)
             texts.emplace_back(name.c_str());
         for (auto _ : state)
@@ -47,9 +48,9 @@ namespace
         const std::vector<std::string> names = Names(state.range(0));
         for (auto _ : state)
         {
-            std::vector<std::string> list;
+            std::vector<std::string> list; // grown as it goes, as the library's list is
             for (const std::string & name : names)
-                list.push_back(name);
+                list.push_back(name); // NOLINT(performance-inefficient-vector-operation)
             benchmark::DoNotOptimize(list.data());
         }
         state.SetItemsProcessed(state.iterations() * state.range(0));

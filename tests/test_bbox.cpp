@@ -201,8 +201,9 @@ TEST(BBoxExtend, ManyTransformedPointsMatchOneByOne)
     m.m[5] = -2.0;
     m.m[12] = 3.0;
     std::vector<V4> points;
+    points.reserve(1000);
     for (int i = 0; i < 1000; ++i)
-        points.push_back(V4(std::sin(i * 0.7) * i, std::cos(i * 1.3), i % 17));
+        points.emplace_back(std::sin(i * 0.7) * i, std::cos(i * 1.3), i % 17);
     zunBBox all, single;
     all.Extend(points.data(), static_cast<unsigned int>(points.size()), &m);
     for (auto point : points)

@@ -38,8 +38,8 @@ namespace
     {
         std::vector<std::u16string> wide;
         std::vector<std::string> narrow;
-        void Text(const char * text) override { narrow.push_back(text); }
-        void TextW(const zunWChar * text) override { wide.push_back(reinterpret_cast<const char16_t *>(text)); }
+        void Text(const char * text) override { narrow.emplace_back(text); }
+        void TextW(const zunWChar * text) override { wide.emplace_back(reinterpret_cast<const char16_t *>(text)); }
     };
 
     class LogTest : public ::testing::Test

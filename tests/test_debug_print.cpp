@@ -31,7 +31,7 @@ namespace
             zunPlatform::ForceDebuggerPresent(-1);
             zunPlatform::SetDebuggerCapture(nullptr);
         }
-        void Text(const char * text) override { texts.push_back(text); }
+        void Text(const char * text) override { texts.emplace_back(text); }
         void TextW(const zunWChar *) override { ++wideTexts; }
 
         std::vector<std::string> texts;
@@ -197,7 +197,7 @@ TEST(DebugPrint, AnExceptionDumpIsOneMessagePerLine)
 TEST(DebugPrint, AFixMeHandlerIsKeptButNeverCalledByTheLibrary)
 {
     std::vector<std::string> seen;
-    EXPECT_NO_THROW(zunSetFixMeHandler([&](const char * text) { seen.push_back(text); }));
+    EXPECT_NO_THROW(zunSetFixMeHandler([&](const char * text) { seen.emplace_back(text); }));
     zunFixMe("You can not append an absolute path");
     zunPath relative("a");
     relative += zunPath("/absolute"); // a library site of that report

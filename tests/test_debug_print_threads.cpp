@@ -20,6 +20,7 @@ TEST(DebugPrintThreads, EveryMessageArrivesWholeAndTheBannerOnce)
     ChannelCapture channel;
     zunDebugPrintTesting::RestartBanner();
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back(
             [t]
@@ -59,6 +60,7 @@ TEST(DebugPrintThreads, ANestedFailureInOneThreadDoesNotStopTheOthers)
     zunPlatform::ForceDebuggerPresent(0);
     zunSetDprintfFile(zunPath("/nonexistent-folder/channel.txt"));
     std::vector<std::thread> threads;
+    threads.reserve(4);
     std::vector<int> results(4, -1);
     for (int t = 0; t < 4; ++t)
         threads.emplace_back(

@@ -72,7 +72,7 @@ namespace
                 bytes.resize(m_pointer + count, 0);
             std::memcpy(bytes.data() + m_pointer, data, count);
             m_storage->writes.push_back(
-                {m_pointer, std::vector<unsigned char>(bytes.begin() + m_pointer, bytes.begin() + m_pointer + count)});
+                {m_pointer, std::vector<unsigned char>(bytes.data() + m_pointer, bytes.data() + m_pointer + count)});
             m_pointer += count;
             return count;
         }

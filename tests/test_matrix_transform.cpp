@@ -93,6 +93,7 @@ namespace
         ASSERT_EQ(actual.size(), expected.size());
         EXPECT_EQ(std::memcmp(actual.data(), expected.data(), actual.size() * sizeof(T)), 0);
         for (std::size_t i = 0; i < actual.size() && i < 64; ++i) // bit by bit: a NaN must be the same NaN
+            // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): the representation is what is compared
             EXPECT_EQ(std::memcmp(&actual[i], &expected[i], sizeof(T)), 0)
                 << "element " << i << ": " << actual[i] << " against " << expected[i];
     }

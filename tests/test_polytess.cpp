@@ -44,7 +44,7 @@ namespace
         void Reset() { *this = GLTrace(); }
         void Record(const char * name)
         {
-            calls.push_back(name);
+            calls.emplace_back(name);
             auto raised = errorsOf.find(name);
             if (raised != errorsOf.end())
             {
@@ -91,7 +91,7 @@ extern "C"
     GLenum GLAPIENTRY glGetError(void)
     {
         static auto real = Real<GLenum(GLAPIENTRY *)(void)>("glGetError");
-        g_trace.calls.push_back("err");
+        g_trace.calls.emplace_back("err");
         if (!g_trace.injected.empty())
         {
             GLenum code = g_trace.injected.front();
@@ -155,7 +155,7 @@ extern "C"
     void GLAPIENTRY gluTessEndPolygon(GLUtesselator * tess)
     {
         static auto real = Real<void(GLAPIENTRY *)(GLUtesselator *)>("gluTessEndPolygon");
-        g_trace.calls.push_back("endPolygon{");
+        g_trace.calls.emplace_back("endPolygon{");
         real(tess);
         g_trace.Record("}");
     }
@@ -179,20 +179,20 @@ namespace
         void Begin(int kind) override
         {
             primitives.push_back({kind, {}});
-            g_trace.calls.push_back("Begin");
+            g_trace.calls.emplace_back("Begin");
         }
         void Vertex(void * data) override
         {
             if (primitives.empty() || primitives.back().ended)
                 primitives.push_back({-1, {}}); // a vertex outside Begin/End shows as kind -1
             primitives.back().vertices.push_back(data);
-            g_trace.calls.push_back("Vertex");
+            g_trace.calls.emplace_back("Vertex");
         }
         void End() override
         {
             if (!primitives.empty())
                 primitives.back().ended = true;
-            g_trace.calls.push_back("End");
+            g_trace.calls.emplace_back("End");
         }
     };
 
@@ -210,9 +210,8 @@ namespace
             auto v = [&](size_t i) { return static_cast<const Corner *>(primitive.vertices[i]); };
             for (size_t i = 2; i < primitive.vertices.size(); ++i)
             {
-                if (primitive.kind == zunPolyTess_CB::Triangles && i % 3 == 2)
-                    triangles.push_back({v(i - 2), v(i - 1), v(i)});
-                else if (primitive.kind == zunPolyTess_CB::TriangleStrip)
+                if ((primitive.kind == zunPolyTess_CB::Triangles && i % 3 == 2) ||
+                    primitive.kind == zunPolyTess_CB::TriangleStrip)
                     triangles.push_back({v(i - 2), v(i - 1), v(i)});
                 else if (primitive.kind == zunPolyTess_CB::TriangleFan)
                     triangles.push_back({v(0), v(i - 1), v(i)});

@@ -66,7 +66,7 @@ namespace
     {
         std::vector<std::string> texts;
         for (const char * text : list)
-            texts.push_back(text);
+            texts.emplace_back(text);
         return texts;
     }
 }

@@ -264,7 +264,7 @@ TEST(SettingsFormat, DoubleQuotesWorkAlike)
 
 TEST(SettingsFormat, QuotesHaveNoEscapes)
 {
-    ExpectKeyLine("k=\"a\\\"b\"", "k", "a\\", '"', "b\"", "k=\"a\\\"b\"");
+    ExpectKeyLine(R"(k="a\"b")", "k", "a\\", '"', "b\"", R"(k="a\"b")");
     ExpectKeyValue(OneLine("k=''").Item(0), "k", "", '\'', "");
 }
 
@@ -652,6 +652,7 @@ TEST(SettingsLookup, IndexedListAnswersAsAScanWould)
     std::mt19937 random(7);
     RecordList list(TypeKeyValue);
     std::vector<std::string> names;
+    names.reserve(60);
     for (int i = 0; i < 60; ++i)
         names.push_back("k" + std::to_string(i));
     auto scan = [&](const std::string & name) -> const Data *

@@ -408,10 +408,10 @@ TEST(SettingsRewrite, SettersChangeTheirOwnLinesAndNothingElse)
         std::vector<std::string> names;
         for (const Expected & record : model)
             if (record.kind == Expected::Section && record.text.c_str()[0] != 0)
-                names.push_back(record.text.c_str());
+                names.emplace_back(record.text.c_str());
         std::vector<std::string> listed;
         for (const char * name : settings.GetSections())
-            listed.push_back(name);
+            listed.emplace_back(name);
         ASSERT_EQ(listed, names) << "seed " << seed;
 
         // The first key of each section gets a new value, through names in

@@ -67,7 +67,7 @@ TEST(SignalThreads, EmissionsWhileHandlersConnectAndDisconnect)
     std::vector<std::unique_ptr<Counter>> pool(8);
     for (auto & counter : pool)
     {
-        counter.reset(new Counter);
+        counter = std::make_unique<Counter>();
         counter->OnDestroySignalEmitterDestroyed(); // made here: the threads only look it up
     }
     sentinel.OnDestroySignalEmitterDestroyed();
@@ -78,6 +78,7 @@ TEST(SignalThreads, EmissionsWhileHandlersConnectAndDisconnect)
 
     std::atomic<bool> go{false};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back(
             [&]
@@ -120,7 +121,7 @@ TEST(SignalThreads, SignalsDieWhileOthersConnectToTheSameReceiver)
     std::vector<std::unique_ptr<Counter>> receivers(3);
     for (auto & receiver : receivers)
     {
-        receiver.reset(new Counter);
+        receiver = std::make_unique<Counter>();
         receiver->OnDestroySignalEmitterDestroyed();
     }
     zunSignal<int> longLived;
@@ -129,6 +130,7 @@ TEST(SignalThreads, SignalsDieWhileOthersConnectToTheSameReceiver)
 
     std::atomic<bool> go{false};
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back(
             [&, t]
@@ -164,6 +166,7 @@ TEST(SignalThreads, BlockingFromSeveralThreadsWhileOthersEmit)
     Counter counter;
     signal.Connect(&counter, &Counter::On);
     std::vector<std::thread> threads;
+    threads.reserve(kThreads);
     for (int t = 0; t < kThreads; ++t)
         threads.emplace_back(
             [&, t]

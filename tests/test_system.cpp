@@ -162,7 +162,7 @@ TEST(Processes, ChildGetsItsArgumentsSplit)
 {
     TemporaryFolder folder;
     const std::string out = folder.path + "/args";
-    const std::string command = "\"/bin/sh\" -c \"printf '%s|' \\\"$@\\\" > " + out + "\" sh \"a b\" c\\\"d";
+    const std::string command = R"("/bin/sh" -c "printf '%s|' \"$@\" > )" + out + R"(" sh "a b" c\"d)";
     const unsigned int pid = zunPlatform::StartProcess(command.c_str());
     ASSERT_NE(pid, 0xFFFFFFFFu);
     int status = 0;
@@ -262,7 +262,8 @@ TEST(Machine, SleepWaitsAtLeastItsTime)
     clock_gettime(CLOCK_MONOTONIC, &start);
     zunSystem::Sleep(30);
     clock_gettime(CLOCK_MONOTONIC, &end);
-    const double elapsed = (end.tv_sec - start.tv_sec) * 1e3 + (end.tv_nsec - start.tv_nsec) / 1e6;
+    const double elapsed =
+        static_cast<double>(end.tv_sec - start.tv_sec) * 1e3 + static_cast<double>(end.tv_nsec - start.tv_nsec) / 1e6;
     EXPECT_GE(elapsed, 30.0);
     zunSystem::Sleep(0);
 }
@@ -343,7 +344,7 @@ namespace
         std::vector<std::string> calls;
         bool GetCursor(std::uintptr_t & cursor, unsigned int & error) override
         {
-            calls.push_back("get");
+            calls.emplace_back("get");
             if (!readable)
             {
                 error = 5;
@@ -352,7 +353,7 @@ namespace
             cursor = current;
             return true;
         }
-        void ShowCursor(bool show) override { calls.push_back(show ? "show" : "hide"); }
+        void ShowCursor(bool show) override { calls.emplace_back(show ? "show" : "hide"); }
         void SetCursor(std::uintptr_t cursor) override { calls.push_back("set " + std::to_string(cursor)); }
     };
 }
@@ -594,7 +595,7 @@ namespace
     {
         std::vector<std::u16string> wide;
         void Text(const char *) override {}
-        void TextW(const zunWChar * text) override { wide.push_back(reinterpret_cast<const char16_t *>(text)); }
+        void TextW(const zunWChar * text) override { wide.emplace_back(reinterpret_cast<const char16_t *>(text)); }
     };
 
     std::string Resolved(const char * path)

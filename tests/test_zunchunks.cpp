@@ -41,7 +41,7 @@ namespace
 
         std::string Save(const zunFastMesh<unsigned char> & bytes, const char * name = "doc.bin")
         {
-            const std::string path = m_folder + "/" + name;
+            std::string path = m_folder + "/" + name;
             std::ofstream out(path, std::ios::binary);
             out.write(reinterpret_cast<const char *>(bytes.Data()), bytes.Count());
             return path;

@@ -136,7 +136,7 @@ int main()
 
     zunPath scene("/tmp//consumer/scene.kelp");
     failures +=
-        !scene.IsAbsolute() || scene.GetExtension(1) != "kelp" || scene.GetParent(1) != zunPath("\\TMP\\consumer\\");
+        !scene.IsAbsolute() || scene.GetExtension(1) != "kelp" || scene.GetParent(1) != zunPath(R"(\TMP\consumer\)");
     failures += !zunPath::GetTemporaryPath().ExistsAs(zunPath::Folder);
     failures += zunDprintf("no target, no text\n") != 0;
 
