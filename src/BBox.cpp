@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 #include "zunMatrix44.h"
 
@@ -27,6 +28,45 @@ namespace
         ExtendAxis(box.min.x, box.max.x, x);
         ExtendAxis(box.min.y, box.max.y, y);
         ExtendAxis(box.min.z, box.max.z, z);
+    }
+
+    /// The box's six ends held in locals while a run of points goes in: the
+    /// points cannot alias them, so they stay in registers instead of being
+    /// stored and loaded again for every point.
+    struct Ends
+    {
+        explicit Ends(zunBBox const & box)
+            : lowX(box.min.x), lowY(box.min.y), lowZ(box.min.z), highX(box.max.x), highY(box.max.y), highZ(box.max.z)
+        {
+        }
+
+        void Add(double x, double y, double z)
+        {
+            ExtendAxis(lowX, highX, x);
+            ExtendAxis(lowY, highY, y);
+            ExtendAxis(lowZ, highZ, z);
+        }
+
+        void StoreTo(zunBBox & box) const
+        {
+            box.min.x = lowX;
+            box.min.y = lowY;
+            box.min.z = lowZ;
+            box.max.x = highX;
+            box.max.y = highY;
+            box.max.z = highZ;
+        }
+
+        double lowX, lowY, lowZ, highX, highY, highZ;
+    };
+
+    /// Whether an array of points shares memory with the box.
+    bool Overlaps(zunBBox const & box, zunVector4T<double> const * points, unsigned int count)
+    {
+        const auto begin = reinterpret_cast<std::uintptr_t>(points);
+        const auto end = begin + std::uintptr_t(count) * sizeof(*points);
+        const auto boxBegin = reinterpret_cast<std::uintptr_t>(&box);
+        return begin < boxBegin + sizeof(box) && boxBegin < end;
     }
 
     /// The eight corners in the library's order: bit 0 of the index picks x
@@ -89,10 +129,19 @@ void zunBBox::Extend(zunVector4T<double> const * points, unsigned int count, zun
 {
     if (!points) // reading address 0 is made safe: nothing is added
         return;
+    if (!matrix && Overlaps(*this, points, count))
+    {
+        // Points read from the box itself see each change as it is made.
+        for (unsigned int i = 0; i < count; ++i)
+            ExtendBy(*this, points[i].x, points[i].y, points[i].z);
+        return;
+    }
+    Ends ends(*this);
     if (!matrix)
     {
         for (unsigned int i = 0; i < count; ++i)
-            ExtendBy(*this, points[i].x, points[i].y, points[i].z);
+            ends.Add(points[i].x, points[i].y, points[i].z);
+        ends.StoreTo(*this);
         return;
     }
     // Copies are transformed a batch at a time: the same result as one by
@@ -106,9 +155,10 @@ void zunBBox::Extend(zunVector4T<double> const * points, unsigned int count, zun
             copies[i] = points[done + i];
         matrix->Transform(copies, n);
         for (unsigned int i = 0; i < n; ++i)
-            ExtendBy(*this, copies[i].x, copies[i].y, copies[i].z);
+            ends.Add(copies[i].x, copies[i].y, copies[i].z);
         done += n;
     }
+    ends.StoreTo(*this);
 }
 
 void zunBBox::Extend(zunFastMesh<zunVector4T<double>> const & mesh, zunMatrix44 const * matrix)
@@ -121,8 +171,10 @@ void zunBBox::Extend(float const * points, unsigned int count, unsigned int stri
     if (!points) // reading address 0 is made safe: nothing is added
         return;
     const std::size_t step = stride == 0 ? 3 : stride;
+    Ends ends(*this);
     for (unsigned int i = 0; i < count; ++i, points += step)
-        ExtendBy(*this, points[0], points[1], points[2]);
+        ends.Add(points[0], points[1], points[2]);
+    ends.StoreTo(*this);
 }
 
 void zunBBox::Extend(double const * points, unsigned int count, unsigned int)

@@ -193,6 +193,52 @@ TEST(BBoxExtend, ArrayOfPointsWithAndWithoutAMatrix)
     ExpectCleared(none);
 }
 
+TEST(BBoxExtend, AnArrayGivesTheBitsOfOnePointAtATime)
+{
+    // NaNs are passed over and, of equal ends, the first one met stays: a
+    // zero of either sign keeps its sign.
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const V4 points[] = {V4(nan, 0.0, -0.0), V4(-0.0, -0.0, 0.0), V4(0.0, nan, 0.0),
+                         V4(2, -0.0, nan),   V4(-0.0, 3, -0.0),   V4(nan, nan, nan)};
+    const unsigned int count = sizeof(points) / sizeof(points[0]);
+    zunBBox byArray;
+    byArray.Extend(points, count, nullptr);
+    zunBBox oneByOne;
+    for (const V4 & point : points)
+        oneByOne.Extend(point);
+    const double ends[2][3] = {{byArray.min.x, byArray.min.y, byArray.min.z},
+                               {byArray.max.x, byArray.max.y, byArray.max.z}};
+    const double expected[2][3] = {{oneByOne.min.x, oneByOne.min.y, oneByOne.min.z},
+                                   {oneByOne.max.x, oneByOne.max.y, oneByOne.max.z}};
+    for (int end = 0; end < 2; ++end)
+        for (int axis = 0; axis < 3; ++axis)
+            EXPECT_EQ(Bits(ends[end][axis]), Bits(expected[end][axis])) << end << " " << axis;
+    EXPECT_EQ(Bits(byArray.min.x), Bits(-0.0));
+    EXPECT_EQ(Bits(byArray.max.y), Bits(3.0));
+
+    float floats[count * 3];
+    for (unsigned int i = 0; i < count; ++i)
+    {
+        floats[3 * i] = static_cast<float>(points[i].x);
+        floats[3 * i + 1] = static_cast<float>(points[i].y);
+        floats[3 * i + 2] = static_cast<float>(points[i].z);
+    }
+    zunBBox byFloats;
+    byFloats.Extend(floats, count, 0);
+    EXPECT_EQ(Bits(byFloats.min.x), Bits(-0.0));
+    EXPECT_EQ(Bits(byFloats.min.z), Bits(-0.0));
+    EXPECT_EQ(Bits(byFloats.max.z), Bits(-0.0)); // the first zero met stays
+}
+
+TEST(BBoxExtend, PointsReadFromTheBoxItselfSeeEachChange)
+{
+    // The first point, the cleared min, raises max to it; the second point is
+    // that max as now changed, so min is not lowered.
+    zunBBox box;
+    box.Extend(&box.min, 2, nullptr);
+    ExpectBox(box, 3.4e+38, 3.4e+38, 3.4e+38, 3.4e+38, 3.4e+38, 3.4e+38);
+}
+
 TEST(BBoxExtend, ManyTransformedPointsMatchOneByOne)
 {
     // More points than one transform batch holds.
