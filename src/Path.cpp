@@ -1,9 +1,16 @@
 // zunPath: the canonical text of a path and every operation on that text.
 #include "zunPath.h"
 
+#include <cstddef>
 #include <cstring>
 #include <utility>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+#include "CharRules.h"
+#include "UTFPrivate.h"
 #include "platform/FileSystem.h"
 #include "zunException.h"
 #include "zunMem.h"
@@ -142,6 +149,113 @@ namespace
         unsigned int agreed = 0;
         while (agreed < limit && a[agreed] == b[agreed])
             ++agreed;
+        return agreed;
+    }
+
+    // The index of the last separator among the first `end` units, or
+    // kNotFound; eight units are compared at a time from the end.
+    unsigned int FindLastSeparator(const zunWChar * units, unsigned int end)
+    {
+#if defined(__SSE2__)
+        const __m128i separator = _mm_set1_epi16(static_cast<short>(kSeparator));
+        while (end >= 8)
+        {
+            const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i *>(units + end - 8));
+            const unsigned int hits = static_cast<unsigned int>(_mm_movemask_epi8(_mm_cmpeq_epi16(block, separator)));
+            if (hits != 0)
+                return end - 8 + (31 - static_cast<unsigned int>(__builtin_clz(hits))) / 2;
+            end -= 8;
+        }
+#endif
+        while (end-- > 0)
+        {
+            if (units[end] == kSeparator)
+                return end;
+        }
+        return kNotFound;
+    }
+
+    // Where the last component lies in a path's text, as units [begin, end).
+    // A separator in the very last place does not count, and the name stops
+    // before it; with no other separator the name starts at the first unit,
+    // which is the whole text with every separator taken out, as at most the
+    // last unit can be one. Without extension, the name ends at its last dot.
+    struct NameRange
+    {
+        unsigned int begin;
+        unsigned int end;
+    };
+
+    NameRange LastComponentRange(const zunStringW & text, zunPath::LastComponentOption option)
+    {
+        const unsigned int length = text.Length();
+        const zunWChar * units = text;
+        NameRange name = {0, length};
+        if (length == 0)
+            return name;
+        if (units[length - 1] == kSeparator)
+            --name.end;
+        const unsigned int separator = FindLastSeparator(units, name.end);
+        if (separator != kNotFound)
+            name.begin = separator + 1;
+        if (option == zunPath::WithoutExtension)
+        {
+            for (unsigned int i = name.end; i-- > name.begin;)
+            {
+                if (units[i] == u'.')
+                {
+                    name.end = i;
+                    break;
+                }
+            }
+        }
+        return name;
+    }
+
+    // Whether any of `length` units opens a character of two units.
+    bool HasMultiUnitCharacter(const zunWChar * units, unsigned int length)
+    {
+        bool found = false;
+        for (unsigned int i = 0; i < length; ++i)
+            found |= zunCharRules::UnitsOf(units[i]) > 1;
+        return found;
+    }
+
+    // How many units at the start of `text` agree with `folder` followed by a
+    // separator, at most `limit` (the folder's length, plus one when it lacks
+    // its separator). With `ignoreCase`, units that differ are compared
+    // lowered, as whole lowered copies of texts of single-unit characters
+    // would compare. `text` is terminated and at least as long as `folder`.
+    unsigned int UnitsInCommonWithFolder(const zunWChar * text, const zunWChar * folder, unsigned int folderLength,
+                                         unsigned int limit, bool ignoreCase)
+    {
+        for (unsigned int i = 0; i < limit; ++i)
+        {
+            const zunWChar a = text[i];
+            const zunWChar b = i < folderLength ? folder[i] : kSeparator;
+            if (a != b && (!ignoreCase || zunCharRules::MapCase(a, true) != zunCharRules::MapCase(b, true)))
+                return i;
+        }
+        return limit;
+    }
+
+    // The same count through lowered copies of `text` and of `folder` with a
+    // separator behind it; 0 when the heap refuses one of them.
+    unsigned int UnitsInCommonLowered(const zunStringW & text, const zunStringW & folder)
+    {
+        zunStringW prefix(folder);
+        if (!EndsWithSeparator(prefix))
+            prefix.Insert(kToTheEnd, ZUN_W("\\"), 1);
+        if (prefix.Length() != folder.Length() + (EndsWithSeparator(folder) ? 0 : 1))
+            return 0;
+        zunWChar * lowerText = zunCharHelper<zunWChar>::ChangeStringCase(text, true);
+        zunWChar * lowerPrefix = zunCharHelper<zunWChar>::ChangeStringCase(prefix, true);
+        unsigned int agreed = 0;
+        if (lowerText != nullptr && lowerPrefix != nullptr)
+            agreed = UnitsInCommon(lowerText, lowerPrefix, prefix.Length());
+        void * blocks[2] = {lowerText, lowerPrefix};
+        zunMemFree(blocks[0]);
+        zunMemFree(blocks[1]);
         return agreed;
     }
 
@@ -292,37 +406,32 @@ zunStringListT<char> zunPath::GetComponents() const
 zunStringW zunPath::GetLastComponent16(zunPath::LastComponentOption option) const
 {
     const zunStringW & text = Text();
-    const unsigned int length = text.Length();
     zunStringW result;
-    if (length == 0)
-        return result;
-    // A separator in the very last place does not count.
-    const unsigned int separator = length >= 2 ? text.FindLast(kSeparator, length - 2) : kNotFound;
-    if (separator != kNotFound)
-    {
-        result = text.SubString(separator + 1, kToTheEnd);
-        if (EndsWithSeparator(result))
-            result.Remove(result.Length() - 1, 1);
-    }
-    else
-    {
-        result = text;
-        for (unsigned int at = result.FindLast(kSeparator, kToTheEnd); at != kNotFound;
-             at = result.FindLast(kSeparator, kToTheEnd))
-            result.Remove(at, 1);
-    }
-    if (option == WithoutExtension)
-    {
-        const unsigned int dot = result.FindLast(u'.', kToTheEnd);
-        if (dot != kNotFound)
-            result.Remove(dot, kToTheEnd);
-    }
+    if (text.Length() == 0)
+        return result; // the null text, as an empty path has no name
+    const NameRange name = LastComponentRange(text, option);
+    const zunWChar * units = text;
+    AssignJoined(result, units + name.begin, name.end - name.begin, units, 0, units, 0);
     return result;
 }
 
 zunString zunPath::GetLastComponent(zunPath::LastComponentOption option) const
 {
-    return ToUTF8(GetLastComponent16(option));
+    // The name is converted straight from the path's text on the stack, so
+    // the result's block is the only one made. Three bytes of UTF-8 at most
+    // stand for one unit.
+    const zunStringW & text = Text();
+    const NameRange name = LastComponentRange(text, option);
+    const unsigned int units = name.end - name.begin;
+    char local[768];
+    if (units > (sizeof(local) - 1) / 3)
+        return ToUTF8(GetLastComponent16(option));
+    const zunWChar * begin = text;
+    const std::size_t bytes = zunUTFPrivate::ToUTF8(begin + name.begin, units, local, sizeof(local) - 1);
+    local[bytes] = 0;
+    zunString result;
+    result.Insert(0, local, static_cast<unsigned int>(bytes));
+    return result;
 }
 
 zunStringW zunPath::GetExtension16(unsigned int level) const
@@ -486,25 +595,17 @@ zunPath & zunPath::MakeRelativePath(const zunPath & base)
     const zunStringW & head = base.Text();
     if (text.Length() < head.Length())
         return *this;
-    zunStringW prefix(head);
-    if (!EndsWithSeparator(prefix))
-        prefix.Insert(kToTheEnd, ZUN_W("\\"), 1);
-    if (prefix.Length() != head.Length() + (EndsWithSeparator(head) ? 0 : 1))
-        return *this; // the heap refused the separator
-    unsigned int agreed = 0;
-    if (!IsFSCaseSensitive(*this) && !IsFSCaseSensitive(base))
-    {
-        zunWChar * lowerText = zunCharHelper<zunWChar>::ChangeStringCase(text, true);
-        zunWChar * lowerPrefix = zunCharHelper<zunWChar>::ChangeStringCase(prefix, true);
-        if (lowerText != nullptr && lowerPrefix != nullptr)
-            agreed = UnitsInCommon(lowerText, lowerPrefix, prefix.Length());
-        void * blocks[2] = {lowerText, lowerPrefix};
-        zunMemFree(blocks[0]);
-        zunMemFree(blocks[1]);
-    }
-    else
-        agreed = UnitsInCommon(text, prefix, prefix.Length());
-    if (agreed != prefix.Length())
+    const bool ignoreCase = !IsFSCaseSensitive(*this) && !IsFSCaseSensitive(base);
+    const unsigned int prefixLength = head.Length() + (EndsWithSeparator(head) ? 0 : 1);
+    // Units are compared as they stand against `base` and its separator, and
+    // only two that differ are lowered, without copying either text; surrogate
+    // pairs go through whole lowered copies, which report each one.
+    const bool unitByUnit =
+        !ignoreCase || (!HasMultiUnitCharacter(text, text.Length()) && !HasMultiUnitCharacter(head, head.Length()));
+    const unsigned int agreed = unitByUnit
+                                    ? UnitsInCommonWithFolder(text, head, head.Length(), prefixLength, ignoreCase)
+                                    : UnitsInCommonLowered(text, head);
+    if (agreed != prefixLength)
         return *this;
     text.Remove(0, agreed);
     Collapse(text);

@@ -90,6 +90,29 @@ TEST(PathText, InvalidUTF8IsReplacedNotRefused)
     EXPECT_EQ(text.GetAt(5), 0xFFFD);
 }
 
+TEST(PathText, LastComponentOfLongNonAsciiNames)
+{
+    // 255 units of three UTF-8 bytes each are converted on the stack, 256 on
+    // the heap: both give the whole name.
+    for (const unsigned int units : {255u, 256u})
+    {
+        std::string name;
+        for (unsigned int i = 0; i < units; ++i)
+            name += "\xE6\x97\xA5";
+        const zunPath path(("/a/" + name + ".txt").c_str());
+        EXPECT_EQ(Str(path.GetLastComponent(zunPath::WithExtension)), name + ".txt");
+        EXPECT_EQ(Str(path.GetLastComponent(zunPath::WithoutExtension)), name);
+    }
+}
+
+TEST(PathText, LastComponentOfAnEmptyPathIsTheEmptyText)
+{
+    EXPECT_EQ(zunPath().GetLastComponent16(zunPath::WithExtension).m_pData, nullptr);
+    const zunString narrow = zunPath().GetLastComponent(zunPath::WithExtension);
+    ASSERT_NE(narrow.m_pData, nullptr);
+    EXPECT_EQ(narrow.m_nLength, 0u);
+}
+
 TEST(PathText, NonAsciiTextRoundTrips)
 {
     const zunPath path("/home/Jos\xC3\xA9/\xE6\x97\xA5\xE6\x9C\xAC.txt");
@@ -451,6 +474,28 @@ TEST(PathText, MakeRelativeCollapsesTheTailOfANetworkText)
     const zunPath network(R"(\\a\\b)");
     ASSERT_EQ(Canon(network), R"(\\a\\b)");
     EXPECT_EQ(Canon(network.GetRelativePath(zunPath(R"(\)"))), R"(\a\b)");
+}
+
+TEST(PathText, MakeRelativeNeedsNoHeap)
+{
+    zunPath path(R"(C:\Data\Scenes\forest.kelp)");
+    const zunPath base(R"(c:\data)");
+    zunMemTesting::FailAllocation(1, true);
+    path.MakeRelativePath(base);
+    zunMemTesting::Reset();
+    EXPECT_EQ(Canon(path), R"(Scenes\forest.kelp)");
+}
+
+TEST(PathText, MakeRelativeWithSurrogatePairsInThePath)
+{
+    // U+1F332 as a pair of units, in the base and behind it.
+    const std::string tree = "\xF0\x9F\x8C\xB2";
+    zunPath path(("/Trees/" + tree + "/" + tree + ".kelp").c_str());
+    path.MakeRelativePath(zunPath(("/trees/" + tree).c_str()));
+    EXPECT_EQ(Str(path.OSRepresentation8()), tree + ".kelp");
+    zunPath outside(("/trees/" + tree + "x/a").c_str());
+    outside.MakeRelativePath(zunPath(("/trees/" + tree).c_str()));
+    EXPECT_EQ(Canon(outside), "\\trees\\" + tree + "x\\a");
 }
 
 TEST(PathText, MakeRelativeLeavesAPathOutsideTheBase)
