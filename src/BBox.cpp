@@ -5,6 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "zunMatrix44.h"
 
 namespace
@@ -57,8 +61,131 @@ namespace
             box.max.z = highZ;
         }
 
+        /// Takes in the ends of a second lane that started from the same box
+        /// and saw other points. The result is the one of a single lane over
+        /// all points, except when both lanes hold zeros of opposite signs at
+        /// one end: which came first is lost then, and false says so.
+        bool Merge(Ends const & other)
+        {
+            return MergeLow(lowX, other.lowX) & MergeLow(lowY, other.lowY) & MergeLow(lowZ, other.lowZ) &
+                   MergeHigh(highX, other.highX) & MergeHigh(highY, other.highY) & MergeHigh(highZ, other.highZ);
+        }
+
         double lowX, lowY, lowZ, highX, highY, highZ;
+
+    private:
+        static bool SameZero(double a, double b) { return a == 0.0 && b == 0.0 && std::signbit(a) != std::signbit(b); }
+        static bool MergeLow(double & low, double other)
+        {
+            const bool known = !SameZero(low, other);
+            if (low > other)
+                low = other;
+            return known;
+        }
+        static bool MergeHigh(double & high, double other)
+        {
+            const bool known = !SameZero(high, other);
+            if (other > high)
+                high = other;
+            return known;
+        }
     };
+
+#if defined(__SSE2__)
+    /// One lane of ends in vector registers: x and y side by side, z alone.
+    /// min_pd(v, low) is "v < low ? v : low" and max_pd(v, high) is
+    /// "v > high ? v : high", lane by lane: the compares of ExtendAxis.
+    class Lane
+    {
+    public:
+        explicit Lane(zunBBox const & box)
+            : m_lowXY(_mm_loadu_pd(&box.min.x)), m_highXY(_mm_loadu_pd(&box.max.x)), m_lowZ(_mm_load_sd(&box.min.z)),
+              m_highZ(_mm_load_sd(&box.max.z))
+        {
+        }
+
+        void Add(double const * point) { Add(_mm_loadu_pd(point), _mm_load_sd(point + 2)); }
+
+        void Add(float const * point)
+        {
+            // Two floats are one 8-byte load; widening to double is exact.
+            const __m128 xy = _mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<__m128i const *>(point)));
+            Add(_mm_cvtps_pd(xy), _mm_cvtss_sd(_mm_setzero_pd(), _mm_load_ss(point + 2)));
+        }
+
+        Ends Result(zunBBox const & box) const
+        {
+            Ends ends(box);
+            double xy[2];
+            _mm_storeu_pd(xy, m_lowXY);
+            ends.lowX = xy[0];
+            ends.lowY = xy[1];
+            _mm_storeu_pd(xy, m_highXY);
+            ends.highX = xy[0];
+            ends.highY = xy[1];
+            _mm_store_sd(&ends.lowZ, m_lowZ);
+            _mm_store_sd(&ends.highZ, m_highZ);
+            return ends;
+        }
+
+    private:
+        void Add(__m128d xy, __m128d z)
+        {
+            m_lowXY = _mm_min_pd(xy, m_lowXY);
+            m_highXY = _mm_max_pd(xy, m_highXY);
+            m_lowZ = _mm_min_sd(z, m_lowZ);
+            m_highZ = _mm_max_sd(z, m_highZ);
+        }
+
+        __m128d m_lowXY, m_highXY, m_lowZ, m_highZ;
+    };
+#else
+    /// One lane of ends in plain registers.
+    class Lane
+    {
+    public:
+        explicit Lane(zunBBox const & box) : m_ends(box) {}
+        template <typename T> void Add(T const * point) { m_ends.Add(point[0], point[1], point[2]); }
+        Ends Result(zunBBox const &) const { return m_ends; }
+
+    private:
+        Ends m_ends;
+    };
+#endif
+
+    /// Adds `count` points, `step` values apart, to two lanes in turn: the
+    /// even ones to `even`, the odd ones to `odd`, so that each lane's
+    /// compares wait on half as many before them. The same lane twice adds
+    /// them all in order.
+    template <typename T>
+    void AddAlternately(Lane & even, Lane & odd, T const * points, unsigned int count, std::size_t step)
+    {
+        unsigned int i = 0;
+        for (; i + 2 <= count; i += 2)
+        {
+            even.Add(points + i * step);
+            odd.Add(points + (i + 1) * step);
+        }
+        if (i < count)
+            even.Add(points + i * step);
+    }
+
+    /// Runs `feed(even, odd)` over two lanes started from the box and merges
+    /// them. Equal values have equal bits but for the zeros, so only lanes
+    /// ending on zeros of opposite signs need the points again, in one lane.
+    template <typename Feed> void AddPoints(zunBBox & box, Feed feed)
+    {
+        Lane even(box), odd(box);
+        feed(even, odd);
+        Ends ends = even.Result(box);
+        if (!ends.Merge(odd.Result(box)))
+        {
+            Lane single(box);
+            feed(single, single);
+            ends = single.Result(box);
+        }
+        ends.StoreTo(box);
+    }
 
     /// Whether an array of points shares memory with the box.
     bool Overlaps(zunBBox const & box, zunVector4T<double> const * points, unsigned int count)
@@ -136,29 +263,29 @@ void zunBBox::Extend(zunVector4T<double> const * points, unsigned int count, zun
             ExtendBy(*this, points[i].x, points[i].y, points[i].z);
         return;
     }
-    Ends ends(*this);
+    static_assert(sizeof(zunVector4T<double>) == 4 * sizeof(double), "a point is x, y, z, w packed");
     if (!matrix)
     {
-        for (unsigned int i = 0; i < count; ++i)
-            ends.Add(points[i].x, points[i].y, points[i].z);
-        ends.StoreTo(*this);
+        AddPoints(*this, [points, count](Lane & even, Lane & odd) { AddAlternately(even, odd, &points->x, count, 4); });
         return;
     }
     // Copies are transformed a batch at a time: the same result as one by
     // one, without a call per point and without allocating.
-    constexpr unsigned int kBatch = 64;
-    zunVector4T<double> copies[kBatch];
-    for (unsigned int done = 0; done < count;)
-    {
-        unsigned int n = count - done < kBatch ? count - done : kBatch;
-        for (unsigned int i = 0; i < n; ++i)
-            copies[i] = points[done + i];
-        matrix->Transform(copies, n);
-        for (unsigned int i = 0; i < n; ++i)
-            ends.Add(copies[i].x, copies[i].y, copies[i].z);
-        done += n;
-    }
-    ends.StoreTo(*this);
+    AddPoints(*this,
+              [points, count, matrix](Lane & even, Lane & odd)
+              {
+                  constexpr unsigned int kBatch = 64;
+                  zunVector4T<double> copies[kBatch];
+                  for (unsigned int done = 0; done < count;)
+                  {
+                      const unsigned int n = count - done < kBatch ? count - done : kBatch;
+                      for (unsigned int i = 0; i < n; ++i)
+                          copies[i] = points[done + i];
+                      matrix->Transform(copies, n);
+                      AddAlternately(even, odd, &copies->x, n, 4);
+                      done += n;
+                  }
+              });
 }
 
 void zunBBox::Extend(zunFastMesh<zunVector4T<double>> const & mesh, zunMatrix44 const * matrix)
@@ -171,10 +298,8 @@ void zunBBox::Extend(float const * points, unsigned int count, unsigned int stri
     if (!points) // reading address 0 is made safe: nothing is added
         return;
     const std::size_t step = stride == 0 ? 3 : stride;
-    Ends ends(*this);
-    for (unsigned int i = 0; i < count; ++i, points += step)
-        ends.Add(points[0], points[1], points[2]);
-    ends.StoreTo(*this);
+    AddPoints(*this,
+              [points, count, step](Lane & even, Lane & odd) { AddAlternately(even, odd, points, count, step); });
 }
 
 void zunBBox::Extend(double const * points, unsigned int count, unsigned int)

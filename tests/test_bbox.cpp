@@ -7,6 +7,7 @@
 #include <cstring>
 #include <limits>
 #include <type_traits>
+#include <vector>
 
 #include <zunFoundation.h>
 
@@ -228,6 +229,43 @@ TEST(BBoxExtend, AnArrayGivesTheBitsOfOnePointAtATime)
     EXPECT_EQ(Bits(byFloats.min.x), Bits(-0.0));
     EXPECT_EQ(Bits(byFloats.min.z), Bits(-0.0));
     EXPECT_EQ(Bits(byFloats.max.z), Bits(-0.0)); // the first zero met stays
+}
+
+TEST(BBoxExtend, ArraysOfZerosOfBothSignsAndNaNsMatchOnePointAtATime)
+{
+    const double values[] = {0.0, -0.0, 1.0, -1.0, std::numeric_limits<double>::quiet_NaN()};
+    std::uint32_t seed = 12345;
+    for (int round = 0; round < 200; ++round)
+    {
+        const unsigned int count = 1 + round % 9;
+        std::vector<V4> points(count);
+        std::vector<float> floats;
+        for (V4 & point : points)
+        {
+            double xyz[3];
+            for (double & v : xyz)
+            {
+                seed = seed * 1664525u + 1013904223u;
+                v = values[(seed >> 16) % (round % 2 == 0 ? 2 : 5)];
+                floats.push_back(static_cast<float>(v));
+            }
+            point = V4(xyz[0], xyz[1], xyz[2]);
+        }
+        zunBBox oneByOne, byArray, byFloats;
+        for (const V4 & point : points)
+            oneByOne.Extend(point);
+        byArray.Extend(points.data(), count, nullptr);
+        byFloats.Extend(floats.data(), count, 0);
+        for (const zunBBox * box : {&byArray, &byFloats})
+        {
+            EXPECT_EQ(Bits(box->min.x), Bits(oneByOne.min.x)) << round;
+            EXPECT_EQ(Bits(box->min.y), Bits(oneByOne.min.y)) << round;
+            EXPECT_EQ(Bits(box->min.z), Bits(oneByOne.min.z)) << round;
+            EXPECT_EQ(Bits(box->max.x), Bits(oneByOne.max.x)) << round;
+            EXPECT_EQ(Bits(box->max.y), Bits(oneByOne.max.y)) << round;
+            EXPECT_EQ(Bits(box->max.z), Bits(oneByOne.max.z)) << round;
+        }
+    }
 }
 
 TEST(BBoxExtend, PointsReadFromTheBoxItselfSeeEachChange)
