@@ -67,8 +67,13 @@ namespace
         /// one end: which came first is lost then, and false says so.
         bool Merge(Ends const & other)
         {
-            return MergeLow(lowX, other.lowX) & MergeLow(lowY, other.lowY) & MergeLow(lowZ, other.lowZ) &
-                   MergeHigh(highX, other.highX) & MergeHigh(highY, other.highY) & MergeHigh(highZ, other.highZ);
+            // Every end is merged, whatever the ends before it gave.
+            bool known = MergeLow(lowX, other.lowX);
+            known = MergeLow(lowY, other.lowY) && known;
+            known = MergeLow(lowZ, other.lowZ) && known;
+            known = MergeHigh(highX, other.highX) && known;
+            known = MergeHigh(highY, other.highY) && known;
+            return MergeHigh(highZ, other.highZ) && known;
         }
 
         double lowX, lowY, lowZ, highX, highY, highZ;
