@@ -4,6 +4,7 @@
 
 #include <cctype>
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <string>
 
@@ -66,18 +67,38 @@ namespace
         }
     }
 
-    // The tag that lets a message pass, or the empty text.
+    // The tag that lets a message pass, or the empty text. The tag is lowered
+    // into one block and its pieces between commas are looked up where they
+    // stand, cut off by a terminator in turn: the same pieces, in the same
+    // order, as splitting the lowered tag into a list (empty ones dropped),
+    // but a filtered-out message costs one block instead of five.
     zunString MatchTag(const zunStringListT<char> & tags, const char * tag)
     {
         if (tags.Find("all") != 0xFFFFFFFF)
             return zunString("all");
-        zunString lower(tag);
-        lower.ToLower();
-        const zunStringListT<char> pieces = lower.Split(",", 0);
-        for (unsigned int i = 0; i < pieces.Count(); ++i)
-            if (tags.Find(pieces[i]) != 0xFFFFFFFF)
-                return zunString(pieces[i]);
-        return zunString::Empty;
+        char * lower = zunCharHelper<char>::ChangeStringCase(tag, true);
+        if (lower == nullptr)
+            return zunString::Empty; // no memory to lower the tag: nothing passes
+        zunString passed;
+        char * piece = lower;
+        while (true)
+        {
+            char * end = std::strchr(piece, ',');
+            const bool last = end == nullptr;
+            if (!last)
+                *end = 0;
+            if (*piece != 0 && tags.Find(piece) != 0xFFFFFFFF)
+            {
+                passed = zunString(piece);
+                break;
+            }
+            if (last)
+                break;
+            piece = end + 1;
+        }
+        void * block = lower;
+        zunMemFree(block);
+        return passed;
     }
 }
 

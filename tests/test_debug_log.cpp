@@ -133,6 +133,19 @@ TEST_F(LogTest, TagFileRules)
     EXPECT_FALSE(Passes(""));
 }
 
+TEST_F(LogTest, EmptyPiecesOfATagAreSkipped)
+{
+    WriteTags("render\nio\n");
+    EXPECT_TRUE(Passes(",,render"));
+    EXPECT_TRUE(Passes("x,,IO,"));
+    EXPECT_FALSE(Passes(",,,"));
+    EXPECT_FALSE(Passes("x,render2,"));
+    // A tag is not changed by the test: the caller's text stays as it was.
+    char tag[] = "X,Render";
+    EXPECT_TRUE(Passes(tag));
+    EXPECT_STREQ(tag, "X,Render");
+}
+
 TEST_F(LogTest, AllPassesEveryTag)
 {
     WriteTags("ALL\n");
