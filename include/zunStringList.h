@@ -292,7 +292,10 @@ template <typename C> bool zunStringListT<C>::Insert(const String & text, unsign
     return true;
 }
 
-template <typename C> bool zunStringListT<C>::AppendUnits(const C * units, unsigned int length)
+// Inline, so that it is no exported function the dynamic linker could
+// replace: Insert and Split then call it directly instead of through the
+// procedure linkage table, once per appended text.
+template <typename C> inline bool zunStringListT<C>::AppendUnits(const C * units, unsigned int length)
 {
     const unsigned int size = length + 1;
     const unsigned int old = m_Chars.Count();
@@ -309,8 +312,10 @@ template <typename C> bool zunStringListT<C>::AppendUnits(const C * units, unsig
         CutTo(m_Offsets, m_Offsets.Count() - 1);
         return false;
     }
+    // The units come from another block (a string or the text being split),
+    // so a plain copy will do: zunMemCopy allows overlap and is one more call.
     C * end = m_Chars.Data() + old;
-    zunMemCopy(end, units, length * sizeof(C));
+    std::memcpy(end, units, length * sizeof(C));
     end[length] = 0;
     return true;
 }
