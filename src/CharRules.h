@@ -42,8 +42,8 @@ namespace zunCharRules
         return ((static_cast<unsigned int>(lead) + 0x2800) & 0xFFFF) <= 0x3FF ? 2 : 1;
     }
 
-    template <typename C> constexpr const char * kMultiUnitReport = "UTF-8 multi-byte character not supported";
-    template <> constexpr const char * kMultiUnitReport<zunWChar> = "UTF-16 surrogate pair not supported";
+    template <typename C> inline constexpr const char * kMultiUnitReport = "UTF-8 multi-byte character not supported";
+    template <> inline constexpr const char * kMultiUnitReport<zunWChar> = "UTF-16 surrogate pair not supported";
 
     /// The case of one byte. Deliberately asymmetric: lowering goes through
     /// towlower with the byte sign-extended to 16 bits and keeps the low byte

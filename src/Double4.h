@@ -12,8 +12,8 @@
 
 #if defined(__GNUC__)
 // Passing a 32-byte vector by value has another ABI with AVX than without; the
-// type never crosses a call (everything is forced inline), so GCC's note on it
-// is switched off for the build (cmake/ZunTargets.cmake).
+// type never crosses a call (everything is forced inline), so the compilers'
+// report of it is switched off for the build (cmake/ZunTargets.cmake).
 
 namespace zunDouble4
 {
