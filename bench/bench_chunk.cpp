@@ -14,6 +14,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "BenchFile.h"
 #include "zunChunk.h"
 #include "zunFileDisk.h"
 
@@ -29,18 +30,7 @@ namespace
         Memory
     };
 
-    std::string BenchFile(const char * leaf)
-    {
-        return std::string("zun_bench_chunk_") + std::to_string(getpid()) + "_" + leaf;
-    }
-
-    // A file of the benchmark's own in the current folder, removed at its end.
-    struct Fixture
-    {
-        std::string name;
-        explicit Fixture(const char * leaf) : name(BenchFile(leaf)) {}
-        ~Fixture() { std::remove(name.c_str()); }
-    };
+    using benchfile::Fixture;
 
     void SetItems(benchmark::State & state)
     {

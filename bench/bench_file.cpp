@@ -17,23 +17,13 @@
 #include <unistd.h>
 #include <vector>
 
+#include "BenchFile.h"
 #include "zunChunk.h"
 #include "zunFileDisk.h"
 
 namespace
 {
-    std::string BenchFile(const char * leaf)
-    {
-        return std::string("zun_bench_file_") + std::to_string(getpid()) + "_" + leaf;
-    }
-
-    // A file of the benchmark's own in the current folder, removed at its end.
-    struct Fixture
-    {
-        std::string name;
-        explicit Fixture(const char * leaf) : name(BenchFile(leaf)) {}
-        ~Fixture() { std::remove(name.c_str()); }
-    };
+    using benchfile::Fixture;
 
     std::unique_ptr<zunFile> OpenForWriting(const std::string & name)
     {

@@ -15,9 +15,11 @@
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
+#include "BenchFile.h"
 #include "zunSimpleSettings.h"
 
 namespace
@@ -28,12 +30,8 @@ namespace
 
     // Sections of 25 lines: a header, a comment, 22 keys of mixed kinds
     // (numbers, words, quoted texts with comments behind them), a blank line.
-    std::string MakeFile(int lines)
+    void WriteSettingsFile(const std::string & path, int lines)
     {
-        char folder[] = "/tmp/zun_bench_settings_XXXXXX";
-        if (mkdtemp(folder) == nullptr)
-            std::abort();
-        std::string path = std::string(folder) + "/settings.ini";
         std::ofstream out(path);
         for (int s = 0; s < lines / kLinesPerSection; ++s)
         {
@@ -55,17 +53,20 @@ namespace
             }
             out << "\n";
         }
-        return path;
     }
 
-    // The file of `lines` lines, made once.
+    // The file of `lines` lines, made once; the files go when the program ends.
+    std::map<int, std::unique_ptr<benchfile::Fixture>> g_files, g_copies;
+
     const std::string & File(int lines)
     {
-        static std::map<int, std::string> files;
-        std::string & path = files[lines];
-        if (path.empty())
-            path = MakeFile(lines);
-        return path;
+        std::unique_ptr<benchfile::Fixture> & file = g_files[lines];
+        if (!file)
+        {
+            file = std::make_unique<benchfile::Fixture>(("settings_" + std::to_string(lines) + ".ini").c_str());
+            WriteSettingsFile(file->name, lines);
+        }
+        return file->name;
     }
 
     std::int64_t FileBytes(const std::string & path)
@@ -77,10 +78,12 @@ namespace
     // The rewrites go to a copy, so every run starts from the same file.
     std::string CopyOfFile(int lines)
     {
-        std::string copy = File(lines) + ".copy";
+        std::unique_ptr<benchfile::Fixture> & copy = g_copies[lines];
+        if (!copy)
+            copy = std::make_unique<benchfile::Fixture>(("settings_" + std::to_string(lines) + ".copy.ini").c_str());
         std::ifstream in(File(lines), std::ios::binary);
-        std::ofstream(copy, std::ios::binary) << in.rdbuf();
-        return copy;
+        std::ofstream(copy->name, std::ios::binary) << in.rdbuf();
+        return copy->name;
     }
 
     // The sections and keys that the changing runs set: 100 spread over the file.
