@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "DebugLogPrivate.h"
+#include "MemTesting.h"
 #include "platform/Debugger.h"
 #include "platform/UserFolders.h"
 #include "zunFoundation.h"
@@ -144,6 +145,16 @@ TEST_F(LogTest, EmptyPiecesOfATagAreSkipped)
     char tag[] = "X,Render";
     EXPECT_TRUE(Passes(tag));
     EXPECT_STREQ(tag, "X,Render");
+}
+
+TEST_F(LogTest, TagThatCannotBeLoweredForWantOfMemoryLetsNothingPass)
+{
+    WriteTags("render\n");
+    EXPECT_TRUE(Passes("render"));    // the tag file is read here, not below
+    zunMemTesting::FailAllocation(1); // the block the tag is lowered into
+    EXPECT_FALSE(Passes("render"));
+    zunMemTesting::Reset();
+    EXPECT_TRUE(Passes("render"));
 }
 
 TEST_F(LogTest, AllPassesEveryTag)
