@@ -12,6 +12,7 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace filetest
@@ -149,6 +150,14 @@ namespace filetest
         mutable std::uint64_t m_pointer;
         mutable std::uint64_t m_written = 0;
     };
+
+    /// Recorded storage that already holds `bytes`.
+    inline std::shared_ptr<Storage> StorageHolding(std::vector<unsigned char> bytes)
+    {
+        auto storage = std::make_shared<Storage>();
+        storage->bytes = std::move(bytes);
+        return storage;
+    }
 
     /// A stream over recorded storage holding `initial`, its back-end's pointer
     /// at `pointer`. The construction calls are cleared from the log.

@@ -41,8 +41,7 @@ namespace
 
 TEST(FileStream, ConstructionAsksPointerThenSize)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(300);
+    auto storage = StorageHolding(Pattern(300));
     auto file = MakeRecordedFile(storage, 7, true);
     ExpectCalls(*storage, {{Op::GetFilePointer, 7, 0}, {Op::GetFileSize, 7, 0}});
     EXPECT_EQ(file->GetCurrPos(), 7u);
@@ -161,8 +160,7 @@ TEST(FileCache, WriteFromMidBlockFillsItThenGoesOutWhole)
 
 TEST(FileCache, ReadAtTheSizeReturnsZeroAndChangesNothing)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(20);
+    auto storage = StorageHolding(Pattern(20));
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(20, zunFile::FromStart);
     unsigned char probe[4] = {9, 9, 9, 9};
@@ -176,8 +174,7 @@ TEST(FileCache, ReadAtTheSizeReturnsZeroAndChangesNothing)
 TEST(FileCache, ReadPastTheSizeReadsNothing)
 {
     // Outside the contract of a cached read: made safe, it reads nothing.
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(20);
+    auto storage = StorageHolding(Pattern(20));
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(30, zunFile::FromStart);
     unsigned char probe[4] = {9, 9, 9, 9};
@@ -188,8 +185,7 @@ TEST(FileCache, ReadPastTheSizeReadsNothing)
 
 TEST(FileCache, ReadStopsAtTheSizeWithTheShortCount)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(20);
+    auto storage = StorageHolding(Pattern(20));
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(15, zunFile::FromStart);
     unsigned char back[10] = {};
@@ -201,8 +197,7 @@ TEST(FileCache, ReadStopsAtTheSizeWithTheShortCount)
 
 TEST(FileCache, LargeReadComesInWholeBlocks)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(2 * kBlock + 50);
+    auto storage = StorageHolding(Pattern(2 * kBlock + 50));
     auto file = MakeRecordedFile(storage);
     std::vector<unsigned char> back(storage->bytes.size());
     EXPECT_EQ(file->Read_Block(back.data(), back.size()), back.size());
@@ -244,8 +239,7 @@ TEST(FileCache, LeavingADirtyBlockWritesItBackUpToTheSize)
 
 TEST(FileCache, ChangedBlockOfAFileGoesBackUpToTheEndOfTheFile)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(kBlock + 100);
+    auto storage = StorageHolding(Pattern(kBlock + 100));
     auto expected = storage->bytes;
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(kBlock + 10, zunFile::FromStart);
@@ -262,8 +256,7 @@ TEST(FileCache, ChangedBlockOfAFileGoesBackUpToTheEndOfTheFile)
 
 TEST(FileCache, ReadRunningOffADirtyBlockWritesItBackAtTheBoundary)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(kBlock + 8);
+    auto storage = StorageHolding(Pattern(kBlock + 8));
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(kBlock - 4, zunFile::FromStart);
     file->Write_UInt8(0xAB); // loads block 0 and dirties it
@@ -280,8 +273,7 @@ TEST(FileCache, ReadRunningOffADirtyBlockWritesItBackAtTheBoundary)
 
 TEST(FileCache, WriteAfterReadInsideABlockDirtiesIt)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(64);
+    auto storage = StorageHolding(Pattern(64));
     auto file = MakeRecordedFile(storage);
     int value = 0;
     file->Read_Int32(value);
@@ -295,8 +287,7 @@ TEST(FileCache, WriteAfterReadInsideABlockDirtiesIt)
 
 TEST(FileCache, ZeroByteWriteLoadsAStaleBlockAndDirtiesIt)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(30);
+    auto storage = StorageHolding(Pattern(30));
     auto file = MakeRecordedFile(storage);
     EXPECT_EQ(file->Write_Block(nullptr, 0), 0u);
     ExpectCalls(*storage, {{Op::SetFilePointer, 0, 0}, {Op::Read, 0, kBlock}});
@@ -310,8 +301,7 @@ TEST(FileCache, ZeroByteWriteLoadsAStaleBlockAndDirtiesIt)
 TEST(FileCache, ZeroByteWriteFarPastTheSizeSendsNothing)
 {
     // A dirty block wholly above the size has no byte below it to write back.
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(30);
+    auto storage = StorageHolding(Pattern(30));
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(3 * kBlock, zunFile::FromStart);
     file->Write_Block(nullptr, 0);
@@ -338,8 +328,7 @@ TEST(FileCache, FlushKeepsTheBlockUsable)
 
 TEST(FileCache, CacheOffWritesLeaveTheSizeAlone)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(10);
+    auto storage = StorageHolding(Pattern(10));
     auto file = MakeRecordedFile(storage);
     file->SetCacheSize(0);
     EXPECT_EQ(file->GetCacheSize(), 0u);
@@ -356,8 +345,7 @@ TEST(FileCache, CacheOffWritesLeaveTheSizeAlone)
 
 TEST(FileCache, CacheOffEveryOperationReachesStorage)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(10);
+    auto storage = StorageHolding(Pattern(10));
     auto file = MakeRecordedFile(storage);
     file->SetCacheSize(0);
     storage->calls.clear();
@@ -389,8 +377,7 @@ TEST(FileCache, TurningTheCacheOffLeavesTheBackEndPointerWhereItWas)
 
 TEST(FileCache, SetCacheSizeAtZeroGivesAStaleBlockAtZero)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(10000);
+    auto storage = StorageHolding(Pattern(10000));
     auto file = MakeRecordedFile(storage);
     file->SetCacheSize(4096);
     EXPECT_EQ(file->GetCacheSize(), 4096u);
@@ -403,8 +390,7 @@ TEST(FileCache, SetCacheSizeAtZeroGivesAStaleBlockAtZero)
 
 TEST(FileCache, SetCacheSizeTakesTheQuotientAsBlockStart)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(20000);
+    auto storage = StorageHolding(Pattern(20000));
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(10000, zunFile::FromStart);
     file->SetCacheSize(4096);
@@ -430,8 +416,7 @@ TEST(FileCache, PositionOutsideTheQuotientBlockReadsItsOwnBlock)
     // Reading at 10000 right after the resize: the block at 2 doesn't hold the
     // position, so after loading it the stream takes the position's own block
     // rather than reading outside its buffer.
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(20000);
+    auto storage = StorageHolding(Pattern(20000));
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(10000, zunFile::FromStart);
     file->SetCacheSize(4096);
@@ -456,8 +441,7 @@ TEST(FileCache, PositionOutsideTheQuotientBlockReadsItsOwnBlock)
 
 TEST(FileCache, BackEndStartingFarOutIsServedFromItsOwnBlock)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(3 * kBlock);
+    auto storage = StorageHolding(Pattern(3 * kBlock));
     auto file = MakeRecordedFile(storage, 2 * kBlock + 6);
     EXPECT_EQ(file->GetCurrPos(), 2 * kBlock + 6);
     unsigned char b = 0;
@@ -521,8 +505,7 @@ TEST(FileCache, WritesAndReadsMeetInTheSameBuffer)
 
 TEST(FilePosition, SetCurrPosBases)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(100);
+    auto storage = StorageHolding(Pattern(100));
     auto file = MakeRecordedFile(storage);
     EXPECT_EQ(file->SetCurrPos(40, zunFile::FromStart), 40u);
     EXPECT_EQ(file->SetCurrPos(-10, zunFile::FromCurrent), 30u);
@@ -537,8 +520,7 @@ TEST(FilePosition, SetCurrPosBases)
 
 TEST(FileLimit, LimitFromCurrentAndItsEdge)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(200);
+    auto storage = StorageHolding(Pattern(200));
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(100, zunFile::FromStart);
     file->SetLimit(10, zunFile::LimitFromCurrent);
@@ -556,8 +538,7 @@ TEST(FileLimit, LimitFromCurrentAndItsEdge)
 
 TEST(FileLimit, ReachLimit)
 {
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Pattern(200);
+    auto storage = StorageHolding(Pattern(200));
     auto file = MakeRecordedFile(storage);
     file->SetCurrPos(33, zunFile::FromStart);
     file->ReachLimit();

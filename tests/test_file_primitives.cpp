@@ -451,8 +451,7 @@ TEST(FileBounds, SingleBytesStopAtTheEnd)
 TEST(FileBounds, ShortReadWithTheCacheOffThrows)
 {
     // A back-end whose size claims more than it holds, read without a cache.
-    auto storage = std::make_shared<Storage>();
-    storage->bytes = Bytes({1, 2});
+    auto storage = StorageHolding(Bytes({1, 2}));
     storage->reportedSize = 100;
     auto file = MakeRecordedFile(storage);
     file->SetCacheSize(0);
